@@ -1,0 +1,37 @@
+// The reference count of an interface object.
+#pragma once
+
+#include <errno.h>
+#include <semaphore.h>
+
+// A POSIX unnamed semaphore (sem_init(3), not process-shared). [any thread]
+// Both operations return the count read after the change; another thread may have changed it since.
+class CReferenceCount {
+public:
+    explicit CReferenceCount(unsigned int initial) { sem_init(&m_semaphore, 0, initial); }
+    ~CReferenceCount() { sem_destroy(&m_semaphore); }
+
+    CReferenceCount(const CReferenceCount&) = delete;
+    CReferenceCount& operator=(const CReferenceCount&) = delete;
+
+    unsigned int Increment() {
+        sem_post(&m_semaphore);
+        return Value();
+    }
+
+    // Blocks while the count is 0.
+    unsigned int Decrement() {
+        while (sem_wait(&m_semaphore) != 0 && errno == EINTR) {
+        }
+        return Value();
+    }
+
+    unsigned int Value() {
+        int value = 0;
+        sem_getvalue(&m_semaphore, &value);
+        return static_cast<unsigned int>(value);
+    }
+
+private:
+    sem_t m_semaphore;
+};

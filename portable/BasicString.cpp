@@ -1,0 +1,98 @@
+// The growable string over char.
+#include "portable/BasicString.h"
+
+#include <algorithm>
+#include <cstdarg>
+#include <cstring>
+
+#include "portable/BoundedFormat.h"
+#include "portable/SurvivingStore.h"
+
+namespace {
+
+constexpr int kInitialCapacity = 6;
+constexpr int kFormatCapacity = 16384;
+
+int LengthOf(const char* text) { return static_cast<int>(std::strlen(text)); }
+
+}  // namespace
+
+template <typename T>
+CBasicString<T>::CBasicString() : m_pBuffer(new T[kInitialCapacity]()), m_nCapacity(kInitialCapacity), m_nLength(0) {}
+
+template <typename T>
+CBasicString<T>::CBasicString(const T* src, int len) : CBasicString() {
+    if (src == nullptr) return;
+    m_nLength = len == -1 ? LengthOf(src) : std::max(len, 0);
+    Reserve(m_nLength);
+    std::memcpy(m_pBuffer, src, static_cast<std::size_t>(m_nLength));
+    std::fill(m_pBuffer + m_nLength, m_pBuffer + m_nCapacity, T());
+}
+
+template <typename T>
+CBasicString<T>::CBasicString(const CBasicString& other) : CBasicString(other.m_pBuffer, other.m_nLength) {}
+
+template <typename T>
+CBasicString<T>::~CBasicString() {
+    delete[] m_pBuffer;
+    StoreSurvivingNull(m_pBuffer);
+}
+
+template <typename T>
+CBasicString<T>& CBasicString<T>::operator=(const CBasicString& other) {
+    if (this == &other) return *this;
+    Reserve(other.m_nLength);
+    std::memcpy(m_pBuffer, other.m_pBuffer, static_cast<std::size_t>(other.m_nLength));
+    std::fill(m_pBuffer + other.m_nLength, m_pBuffer + m_nCapacity, T());
+    m_nLength = other.m_nLength;
+    return *this;
+}
+
+template <typename T>
+CBasicString<T>& CBasicString<T>::operator=(const T* text) {
+    if (text == nullptr) return *this;
+    const int length = LengthOf(text);
+    Reserve(length);
+    std::memmove(m_pBuffer, text, static_cast<std::size_t>(length) + 1);
+    m_nLength = length;
+    return *this;
+}
+
+template <typename T>
+int CBasicString<T>::Format(const T* fmt, ...) {
+    char scratch[kFormatCapacity];
+    std::va_list args;
+    va_start(args, fmt);
+    _vsnprintf_s(scratch, kFormatCapacity, kFormatCapacity - 1, fmt, args);
+    va_end(args);
+    *this = scratch;
+    return m_nLength;
+}
+
+template <typename T>
+void CBasicString<T>::Reserve(int len) {
+    if (m_nCapacity >= len + 2) return;
+    const int capacity = 2 * len + 2;
+    T* const buffer = new T[static_cast<std::size_t>(capacity)]();
+    std::memcpy(buffer, m_pBuffer, static_cast<std::size_t>(m_nCapacity));
+    delete[] m_pBuffer;
+    m_pBuffer = buffer;
+    m_nCapacity = capacity;
+}
+
+template <typename T>
+void CBasicString<T>::UpdateLength() {
+    m_nLength = LengthOf(m_pBuffer);
+}
+
+template <typename T>
+CBasicString<T>& CBasicString<T>::operator+=(const T* text) {
+    if (text == nullptr) return *this;
+    const int length = LengthOf(text);
+    Reserve(m_nLength + length);
+    std::memcpy(m_pBuffer + m_nLength, text, static_cast<std::size_t>(length) + 1);
+    m_nLength += length;
+    return *this;
+}
+
+template class CBasicString<char>;

@@ -1,0 +1,73 @@
+// Counting semaphore over a mutex and a condition; the mutex is never held across a call out of the object.
+#include "portable/PosixSemaphore.h"
+
+#include <errno.h>
+#include <pthread.h>
+
+#include "portable/Deadline.h"
+#include "portable/SurvivingStore.h"
+
+struct SPosixSemaphoreRecord {
+    pthread_mutex_t m_mutex;
+    pthread_cond_t m_raised;
+};
+
+CPosixSemaphore::CPosixSemaphore(int initialCount, int maximumCount)
+    : m_nCount(initialCount), m_nMaximum(maximumCount) {
+    m_pSemaphoreRecord = new SPosixSemaphoreRecord;
+    pthread_mutex_init(&m_pSemaphoreRecord->m_mutex, nullptr);
+    pthread_cond_init(&m_pSemaphoreRecord->m_raised, nullptr);
+}
+
+CPosixSemaphore::~CPosixSemaphore() {
+    if (m_pSemaphoreRecord == nullptr) return;
+    pthread_mutex_destroy(&m_pSemaphoreRecord->m_mutex);
+    pthread_cond_destroy(&m_pSemaphoreRecord->m_raised);
+    delete m_pSemaphoreRecord;
+    StoreSurvivingNull(m_pSemaphoreRecord);
+}
+
+int CPosixSemaphore::Lock(unsigned int timeoutMs) {
+    if (m_pSemaphoreRecord == nullptr) return 0;
+    if (timeoutMs == kInfiniteTimeout) return LockWithoutLimit();
+    if (timeoutMs != 0) return LockBefore(timeoutMs);
+
+    pthread_mutex_lock(&m_pSemaphoreRecord->m_mutex);
+    const bool taken = m_nCount >= 1;
+    if (taken) --m_nCount;
+    pthread_mutex_unlock(&m_pSemaphoreRecord->m_mutex);
+    return taken ? 1 : 0;
+}
+
+int CPosixSemaphore::LockWithoutLimit() {
+    pthread_mutex_lock(&m_pSemaphoreRecord->m_mutex);
+    while (m_nCount <= 0) pthread_cond_wait(&m_pSemaphoreRecord->m_raised, &m_pSemaphoreRecord->m_mutex);
+    --m_nCount;
+    pthread_mutex_unlock(&m_pSemaphoreRecord->m_mutex);
+    return 1;
+}
+
+int CPosixSemaphore::LockBefore(unsigned int timeoutMs) {
+    const timespec deadline = DeadlineFromNow(timeoutMs);
+    for (;;) {
+        pthread_mutex_lock(&m_pSemaphoreRecord->m_mutex);
+        const bool taken = m_nCount > 0;
+        if (taken) --m_nCount;
+        const bool timedOut = !taken && pthread_cond_timedwait(&m_pSemaphoreRecord->m_raised,
+                                                               &m_pSemaphoreRecord->m_mutex, &deadline) == ETIMEDOUT;
+        pthread_mutex_unlock(&m_pSemaphoreRecord->m_mutex);
+        if (taken) return 1;
+        if (timedOut) return 0;
+    }
+}
+
+int CPosixSemaphore::Unlock() {
+    if (m_pSemaphoreRecord == nullptr) return 0;
+    pthread_mutex_lock(&m_pSemaphoreRecord->m_mutex);
+    if (m_nCount < m_nMaximum) {
+        ++m_nCount;
+        pthread_cond_signal(&m_pSemaphoreRecord->m_raised);
+    }
+    pthread_mutex_unlock(&m_pSemaphoreRecord->m_mutex);
+    return 1;
+}
