@@ -61,6 +61,7 @@ CBasicString<T>& CBasicString<T>::operator=(const T* text) {
 template <typename T>
 int CBasicString<T>::Format(const T* fmt, ...) {
     char scratch[kFormatCapacity];
+    scratch[0] = T();
     std::va_list args;
     va_start(args, fmt);
     _vsnprintf_s(scratch, kFormatCapacity, kFormatCapacity - 1, fmt, args);
