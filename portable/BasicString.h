@@ -26,7 +26,7 @@ public:
     CBasicString& operator=(const T* text);
 
     // printf-style formatting; keeps at most 16383 characters. Returns the new length.
-    int Format(const T* fmt, ...) __attribute__((format(printf, 2, 3)));
+    int Format(const T* fmt, ...);
 
     // The text, valid until the next change of the string or its end.
     const T* GetText() const { return m_pBuffer; }
@@ -47,7 +47,7 @@ public:
     // Measures the text again after a write through `GetBuffer`.
     void UpdateLength();
 
-    // Appends up to the terminator of `text`; null appends nothing.
+    // Appends up to the terminator of `text`, which must not lie in this string; null appends nothing.
     CBasicString& operator+=(const T* text);
 
 private:
