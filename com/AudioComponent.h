@@ -7,7 +7,7 @@
 class IAudioPluginMgr;
 
 enum EAudioComponentType : unsigned int {
-    ACT_COLLECTION = 2,   // groups further components and lists them through IComponentEnum
+    ACT_COLLECTION = 2,  // groups further components and lists them through IComponentEnum
     ACT_DECODER = 3,
     ACT_ENCODER = 4,
     ACT_CONVERTOR = 5,    // the first one supplies the manager's IConvertorFactory

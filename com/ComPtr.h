@@ -3,8 +3,8 @@
 
 #include <cstddef>
 
-// Owns one reference to a `T`, which has AddRef, Release and QueryInterface. One object belongs to one thread at a time.
-// The destructor releases without clearing the pointer first: an object that is reached again from inside that
+// Owns one reference to a `T`, which has AddRef, Release and QueryInterface. One object belongs to one thread at a
+// time. The destructor releases without clearing the pointer first: an object that is reached again from inside that
 // Release still finds its members.
 template <typename T>
 class CComPtr {

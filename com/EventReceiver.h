@@ -7,7 +7,8 @@
 // held. It may send and subscribe from inside; it must not shorten the list of receivers.
 class IEventReceiver : public IUnknown {
 public:
-    // Numbers and parameters are a matter between senders and receivers; `parameter` is borrowed. The result is ignored.
+    // Numbers and parameters are a matter between senders and receivers; `parameter` is borrowed. The result is
+    // ignored.
     virtual bool OnEvent(unsigned int event, IUnknown* parameter) = 0;
 
 protected:

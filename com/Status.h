@@ -6,11 +6,11 @@
 // Every error has the high bit set; 0 means no error.
 enum EAudioError : unsigned int {
     AE_NONE = 0,
-    AE_BAD_ARGUMENT = 0x80000001,        // null pointer or zero size
-    AE_BUFFER_TOO_SMALL = 0x80000002,    // a converting read whose request is too small to hold whole frames
-    AE_UNKNOWN_URL = 0x80000003,         // neither an absolute path nor an http:// or ftp:// URL
-    AE_NO_DECODER = 0x80000004,          // no component opened the source
-    AE_PLUGINS_LOADED = 0x80000013,      // refused while plug-ins are loaded
+    AE_BAD_ARGUMENT = 0x80000001,      // null pointer or zero size
+    AE_BUFFER_TOO_SMALL = 0x80000002,  // a converting read whose request is too small to hold whole frames
+    AE_UNKNOWN_URL = 0x80000003,       // neither an absolute path nor an http:// or ftp:// URL
+    AE_NO_DECODER = 0x80000004,        // no component opened the source
+    AE_PLUGINS_LOADED = 0x80000013,    // refused while plug-ins are loaded
 };
 
 // A matter between hosts and plug-ins; the library sets none.

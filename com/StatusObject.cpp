@@ -4,18 +4,13 @@
 #include "com/InterfaceIds.h"
 #include "com/QueryTable.h"
 
-CStatus::CStatus(EAudioError error)
-    : m_references(1), m_nSystemError(0), m_eAudioError(error), m_eCategory(SC_NONE) {}
+CStatus::CStatus(EAudioError error) : m_references(1), m_nSystemError(0), m_eAudioError(error), m_eCategory(SC_NONE) {}
 
 CStatus::CStatus(unsigned int systemError)
     : m_references(1), m_nSystemError(systemError), m_eAudioError(AE_NONE), m_eCategory(SC_NONE) {}
 
 CStatus::CStatus(const char* description)
-    : m_references(1),
-      m_nSystemError(0),
-      m_eAudioError(AE_NONE),
-      m_eCategory(SC_NONE),
-      m_strDescription(description) {}
+    : m_references(1), m_nSystemError(0), m_eAudioError(AE_NONE), m_eCategory(SC_NONE), m_strDescription(description) {}
 
 CStatus::~CStatus() = default;
 

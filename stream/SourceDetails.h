@@ -57,12 +57,6 @@ protected:
     ~IRealFormat() = default;
 };
 
-// A format that SWavFormat alone cannot tell.
-struct SAdvancedWavFormat {
-    SHeldWavFormat m_held;
-    std::int32_t m_nReserved[5];
-};
-
 // Asked of a decoder's IAudioRawReader while advanced formats are enabled. [stream-thread]
 class IAdvancedFormat : public IUnknown {
 public:

@@ -11,11 +11,13 @@ struct SWavFormat {
 };
 
 // Bytes per sample frame; bits are counted in whole bytes, truncated toward zero.
-constexpr std::int32_t BlockSizeOf(const SWavFormat& format) { return format.nBitsPerSample / 8 * format.nChannels; }
+constexpr std::int64_t BlockSizeOf(const SWavFormat& format) {
+    return static_cast<std::int64_t>(format.nBitsPerSample / 8) * format.nChannels;
+}
 
 // Bytes per second.
-constexpr std::int32_t ByteRateOf(const SWavFormat& format) {
-    return format.nBitsPerSample / 8 * format.nSampleRate * format.nChannels;
+constexpr std::int64_t ByteRateOf(const SWavFormat& format) {
+    return static_cast<std::int64_t>(format.nBitsPerSample / 8) * format.nSampleRate * format.nChannels;
 }
 
 // A format as streams hold it: the record followed by the format qualifier, 0 for an ordinary format.
@@ -34,6 +36,12 @@ constexpr bool operator==(const SHeldWavFormat& left, const SHeldWavFormat& righ
            left.m_format.nChannels == right.m_format.nChannels && left.m_nQualifier == right.m_nQualifier;
 }
 constexpr bool operator!=(const SHeldWavFormat& left, const SHeldWavFormat& right) { return !(left == right); }
+
+// A held format with room for what it may come to tell; the reserved words are 0.
+struct SAdvancedWavFormat {
+    SHeldWavFormat m_held;
+    std::int32_t m_nReserved[5];
+};
 
 // Whether more data follows a raw read or write. Values other than 0 belong to decoders and hosts and pass unchanged.
 enum EAudioRawState : unsigned int {

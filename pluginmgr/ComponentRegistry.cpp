@@ -1,0 +1,106 @@
+// The registry of components, their identities and their order.
+#include <algorithm>
+
+#include "com/ComponentList.h"
+#include "com/InterfaceIds.h"
+#include "pluginmgr/AudioPluginMgr.h"
+#include "portable/UnicodeStrings.h"
+
+void CAudioPluginMgr::AddComponent(IAudioComponent* component, const char* libraryFileName, int index) {
+    if (component == nullptr) return;
+    if (component->GetType() == ACT_COLLECTION) {
+        RegisterMembers(component, libraryFileName);
+        return;
+    }
+    auto identity = std::make_unique<COMPONENT_INFO>();
+    identity->m_strLibraryFileName = libraryFileName;
+    identity->m_nIndex = index;
+    m_vComponents.reserve(m_vComponents.size() + 1);
+    m_vIdentities.push_back(std::move(identity));
+    component->AddRef();
+    m_vComponents.push_back(component);
+    // The look-up changes nothing; it is part of how a registration is seen from outside.
+    COMPONENT_INFO unused;
+    GetComponentInfo(component, &unused);
+    component->Release();
+}
+
+// The collection itself is not registered, and its own reference is not given back.
+void CAudioPluginMgr::RegisterMembers(IAudioComponent* collection, const char* libraryFileName) {
+    const auto members = CComPtr<IComponentEnum>::Query(collection, IID_IComponentEnum);
+    const int count = members ? members->GetCount() : 0;
+    for (int i = 0; i < count; ++i) {
+        IAudioComponent* member = nullptr;
+        if (members->GetComponent(i, &member)) AddComponent(member, libraryFileName, i);
+    }
+}
+
+int CAudioPluginMgr::GetCount() { return static_cast<int>(m_vComponents.size()); }
+
+bool CAudioPluginMgr::GetComponent(int index, IAudioComponent** component) {
+    if (index < 0 || index >= GetCount()) return false;
+    *component = m_vComponents[static_cast<std::size_t>(index)];
+    if (*component == nullptr) return false;
+    (*component)->AddRef();
+    return true;
+}
+
+bool CAudioPluginMgr::GetComponentInfo(IAudioComponent* component, COMPONENT_INFO* info) {
+    const auto found = std::find(m_vComponents.begin(), m_vComponents.end(), component);
+    if (found == m_vComponents.end()) return false;
+    *info = *m_vIdentities[static_cast<std::size_t>(found - m_vComponents.begin())];
+    return true;
+}
+
+CBasicString<char> CAudioPluginMgr::GetComponentStringID(IAudioComponent* component) {
+    COMPONENT_INFO info;
+    GetComponentInfo(component, &info);
+    CBasicString<char> identity;
+    identity.Format("%s*%d", info.m_strLibraryFileName.GetText(), info.m_nIndex);
+    return identity;
+}
+
+std::vector<CComPtr<IAudioComponent>> CAudioPluginMgr::ListDecoders() {
+    const CComPtr<IComponentEnum> registry(static_cast<IComponentEnum*>(this));
+    const int count = registry->GetCount();
+    std::vector<CComPtr<IAudioComponent>> decoders;
+    for (int i = 0; i < count; ++i) {
+        CComPtr<IAudioComponent> component;
+        if (!registry->GetComponent(i, component.Out())) continue;
+        if (component->GetType() == ACT_DECODER) decoders.push_back(std::move(component));
+    }
+    return decoders;
+}
+
+bool CAudioPluginMgr::Get(EAudioComponentType type, IComponentEnum** components) {
+    if (components == nullptr || type != ACT_DECODER) return false;
+    auto list = CComPtr<CComponentEnum>::Adopt(new CComponentEnum);
+    std::vector<CComPtr<IAudioComponent>> unused = ListDecoders();
+
+    // Without any decoder the order stays as it is.
+    const bool prunes = !unused.empty();
+    for (auto wanted = m_vComponentOrder.begin(); prunes && wanted != m_vComponentOrder.end();) {
+        const auto match = std::find_if(unused.begin(), unused.end(), [&](const CComPtr<IAudioComponent>& decoder) {
+            return UnicodeStringCmp<char>(GetComponentStringID(decoder.Get()).GetText(), wanted->GetText(), -1) == 0;
+        });
+        if (match == unused.end()) {
+            wanted = m_vComponentOrder.erase(wanted);
+            continue;
+        }
+        list->Add(match->Get());
+        unused.erase(match);
+        ++wanted;
+    }
+    for (const CComPtr<IAudioComponent>& decoder : unused) list->Add(decoder.Get());
+    *components = list.Detach();
+    return true;
+}
+
+bool CAudioPluginMgr::Set(IAudioComponent** /*components*/, int /*count*/) { return false; }
+
+bool CAudioPluginMgr::GetUnsupportedComponents(IComponentEnum** /*components*/) { return false; }
+
+void CAudioPluginMgr::SetComponentOrder(const char* const* identities, int count) {
+    m_vComponentOrder.clear();
+    for (int i = 0; i < count; ++i) m_vComponentOrder.emplace_back(identities[i]);
+}

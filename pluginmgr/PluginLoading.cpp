@@ -1,0 +1,193 @@
+// Discovery, loading and unloading of plug-ins.
+#include <algorithm>
+
+#include "com/InterfaceIds.h"
+#include "pluginmgr/AudioPluginLib.h"
+#include "pluginmgr/AudioPluginMgr.h"
+#include "portable/DirEntry.h"
+#include "portable/DynamicLibrary.h"
+#include "portable/PortableFile.h"
+#include "portable/PosixSingleLock.h"
+#include "stream/LiveAggregators.h"
+
+namespace {
+
+// Releases a held reference and tells which object it was.
+template <typename T>
+T* GiveUp(CComPtr<T>& member) {
+    T* const object = member.Get();
+    member.Reset();
+    return object;
+}
+
+// Takes a reference to `object` again, at its end, and puts it back into the member.
+template <typename T>
+class CReturnedReference {
+public:
+    CReturnedReference(CComPtr<T>& member, T* object) : m_member(member), m_pObject(object) {}
+    ~CReturnedReference() {
+        if (m_pObject != nullptr) m_member = CComPtr<T>(m_pObject);
+    }
+
+    CReturnedReference(const CReturnedReference&) = delete;
+    CReturnedReference& operator=(const CReturnedReference&) = delete;
+
+private:
+    CComPtr<T>& m_member;
+    T* m_pObject;
+};
+
+// Makes `directory` the current one and returns to the old one at its end.
+class CCurrentDirectory {
+public:
+    explicit CCurrentDirectory(const char* directory)
+        : m_bSaved(CPortableFile::GetCurrentDirectory(sizeof m_szSaved, m_szSaved) != 0),
+          m_bEntered(CPortableFile::SetCurrentDirectory(directory) != 0) {}
+    ~CCurrentDirectory() {
+        if (m_bSaved) CPortableFile::SetCurrentDirectory(m_szSaved);
+    }
+
+    CCurrentDirectory(const CCurrentDirectory&) = delete;
+    CCurrentDirectory& operator=(const CCurrentDirectory&) = delete;
+
+    bool IsEntered() const { return m_bEntered; }
+
+private:
+    char m_szSaved[4096];
+    bool m_bSaved;
+    bool m_bEntered;
+};
+
+}  // namespace
+
+bool CAudioPluginMgr::SetPluginDirectory(const char* directory) {
+    if (m_loads.Value() != 0) return false;
+    m_strPluginDirectory = directory;
+    return true;
+}
+
+bool CAudioPluginMgr::LoadPlugins() {
+    if (m_loads.Value() != 0) {
+        m_loads.Increment();
+        return true;
+    }
+    m_sectPMCreation.Lock(kInfiniteTimeout);
+    if (m_strPluginDirectory.IsEmpty()) m_strPluginDirectory = ".";
+    // A plug-in's exception passes with the lock still held, as hosts have always seen it.
+    DoLoadPlugins();
+    m_loads.Increment();
+    m_sectPMCreation.Unlock();
+    return true;
+}
+
+void CAudioPluginMgr::DoLoadPlugins() {
+    CanUnloadPlugins();
+    const CCurrentDirectory directory(m_strPluginDirectory.GetText());
+    if (directory.IsEntered()) ScanPluginDirectory();
+    InitializeComponents();
+    CanUnloadPlugins();
+}
+
+void CAudioPluginMgr::ScanPluginDirectory() {
+    const std::unique_ptr<CDirEntry> search(CPortableFile::FindFirst("*.so", 0, 0, 0, 2));
+    for (; search->IsValid() != 0; search->Next()) {
+        CPortableFile& entry = search->GetFile();
+        CPortableFile file(entry.GetName(), entry.GetAccessMode());
+        LoadPluginFile(file.GetName());
+    }
+}
+
+void CAudioPluginMgr::LoadPluginFile(const char* path) {
+    const std::size_t componentsBefore = m_vComponents.size();
+    m_vLibraries.reserve(m_vLibraries.size() + 1);
+    // Listed before it is asked: a library whose code throws something other than an int must stay open, since the
+    // exception may live in it.
+    m_vLibraries.push_back(new CAudioPluginLib(path, LoadLibrary(path)));
+    try {
+        if (!m_vLibraries.back()->IsOK()) throw 0;
+        RegisterPrimaryComponent(*m_vLibraries.back(), path);
+    } catch (int) {
+        DiscardLastLibrary(componentsBefore);
+    }
+}
+
+void CAudioPluginMgr::RegisterPrimaryComponent(CAudioPluginLib& library, const char* path) {
+    IAudioComponent* component = nullptr;
+    if (!library.GetPrimaryAudioObject(&component) || component == nullptr) return;
+    AddComponent(component, CPortableFile::Split_GetFileName(path).GetText(), 0);
+}
+
+void CAudioPluginMgr::DiscardLastLibrary(std::size_t componentsBefore) {
+    while (m_vComponents.size() > componentsBefore) {
+        m_vComponents.back()->Release();
+        EraseComponent(m_vComponents.size() - 1);
+    }
+    delete m_vLibraries.back();
+    m_vLibraries.pop_back();
+}
+
+void CAudioPluginMgr::InitializeComponents() {
+    std::size_t count = m_vComponents.size();
+    for (std::size_t position = 0; position < count;) {
+        IAudioComponent* const component = m_vComponents[position];
+        if (component != nullptr && InitializeComponent(*component)) {
+            ++position;
+            continue;
+        }
+        if (component != nullptr) component->Release();
+        EraseComponent(position);
+        --count;
+    }
+}
+
+bool CAudioPluginMgr::InitializeComponent(IAudioComponent& component) {
+    CComPtr<IStatus> status;
+    if (!component.Initialize(this, status.Out())) return false;
+    if (component.GetType() == ACT_CONVERTOR && !m_pConvertorFactory) {
+        m_pConvertorFactory = CComPtr<IConvertorFactory>::Query(&component, IID_IConvertorFactory);
+    }
+    if (component.GetType() == ACT_URL_HANDLER && !m_pURLSourceHandler) {
+        m_pURLSourceHandler = CComPtr<IURLSourceHandler>::Query(&component, IID_IURLSourceHandler);
+    }
+    return true;
+}
+
+void CAudioPluginMgr::EraseComponent(std::size_t position) {
+    const auto offset = static_cast<std::ptrdiff_t>(position);
+    m_vComponents.erase(m_vComponents.begin() + offset);
+    m_vIdentities.erase(m_vIdentities.begin() + offset);
+}
+
+bool CAudioPluginMgr::CanUnloadPlugins() {
+    const bool loaded = m_loads.Value() != 0;
+    const bool streaming = AnyAggregatorAlive();
+    if (!loaded || streaming) return false;
+
+    // The plug-ins are asked while the manager itself holds nothing of theirs but components.
+    IConvertorFactory* const factory = GiveUp(m_pConvertorFactory);
+    IURLSourceHandler* const handler = GiveUp(m_pURLSourceHandler);
+    const CPosixSingleLock lock(&m_sectPMCreation, 1);
+    const CReturnedReference<IURLSourceHandler> handlerReturns(m_pURLSourceHandler, handler);
+    const CReturnedReference<IConvertorFactory> factoryReturns(m_pConvertorFactory, factory);
+    return std::all_of(m_vLibraries.begin(), m_vLibraries.end(),
+                       [](CAudioPluginLib* library) { return library->ReadyToFinish(); });
+}
+
+bool CAudioPluginMgr::UnloadPlugins() {
+    if (m_loads.Value() == 0 || !CanUnloadPlugins()) return false;
+    if (m_loads.Decrement() != 0) return true;
+
+    const CPosixSingleLock lock(&m_sectPMCreation, 1);
+    // Whoever installed the factory: the host's own is released here as well.
+    m_pConvertorFactory.Reset();
+    m_pURLSourceHandler.Reset();
+    for (IAudioComponent* const component : m_vComponents) {
+        component->Terminate();
+        component->Release();
+    }
+    m_vIdentities.clear();
+    for (CAudioPluginLib* const library : m_vLibraries) delete library;
+    m_vComponents.clear();
+    m_vLibraries.clear();
+    return true;
+}

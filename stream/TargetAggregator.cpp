@@ -1,0 +1,102 @@
+// A target: construction around the encoder, reference counting, interfaces, conversion and writing.
+#include "stream/TargetAggregator.h"
+
+#include "com/QueryTable.h"
+#include "com/StatusObject.h"
+#include "stream/GuardedCall.h"
+
+namespace {
+
+constexpr unsigned int kHoldings = 4;  // encoder, IProcess, IAudioRawWriter, IAggregatable
+
+}  // namespace
+
+CTargetAggregator::CTargetAggregator(IAudioPluginMgr* manager, IUnknown** stream, const SWavFormat& format)
+    : m_pEncoder(*stream), m_pManager(manager), m_inputFormat{{format, 0}, {}}, m_bValid(false), m_pInner(nullptr) {
+    m_pAggregatable = CComPtr<IAggregatable>::Query(*stream, IID_IAggregatable);
+    m_pProcess = CComPtr<IProcess>::Query(*stream, IID_IProcess);
+    m_pWriter = CComPtr<IAudioRawWriter>::Query(*stream, IID_IAudioRawWriter);
+    m_pInner = m_pAggregatable.Get();
+
+    const bool complete = m_pAggregatable && m_pProcess && m_pWriter;
+    if (!complete || !m_pAggregatable->SetAggregator(static_cast<IAudioRawWriter*>(this))) return;
+    *stream = static_cast<IAudioRawWriter*>(this);
+    m_bValid = true;
+}
+
+CTargetAggregator::~CTargetAggregator() = default;
+
+unsigned int CTargetAggregator::AddRef() { return m_pInner->InnerAddRef(); }
+
+unsigned int CTargetAggregator::Release() {
+    const unsigned int count = m_pInner->InnerRelease();
+    if (!m_bValid || count != kHoldings) return count;
+    delete this;
+    return 0;
+}
+
+int CTargetAggregator::QueryInterface(unsigned long identity, void** face) {
+    const int answer = AnswerQuery(*this, identity, face,
+                                   {{IID_IUnknown, static_cast<IAudioRawWriter*>(this)},
+                                    {IID_IAudioRawWriter, static_cast<IAudioRawWriter*>(this)},
+                                    {IID_IProcess, static_cast<IProcess*>(this)}});
+    return answer == kInterfaceMissing ? m_pInner->InnerQueryInterface(identity, face) : answer;
+}
+
+bool CTargetAggregator::Start(IStatus** status) {
+    return CallGuarded([&] { return StartEncoder(status); });
+}
+
+bool CTargetAggregator::StartEncoder(IStatus** status) {
+    const SHeldWavFormat accepted{m_pWriter->GetRawFormat(), 0};
+    CComPtr<IConvertorFactory> factory;
+    if (accepted != m_inputFormat.m_held) {
+        // The factory is lent, yet released here: one reference less of it for every converting Start, as hosts expect.
+        IConvertorFactory* lent = nullptr;
+        m_pManager->GetConvertor(&lent);
+        factory = CComPtr<IConvertorFactory>::Adopt(lent);
+        if (!CreateConvertor(lent, accepted, status)) {
+            m_pConvertor.Reset();
+            ReportStatus(status, "No conversion possible");
+            return false;
+        }
+    }
+    if (CallGuarded([&] { return m_pProcess->Start(status); })) return true;
+    m_pConvertor.Reset();
+    return false;
+}
+
+bool CTargetAggregator::CreateConvertor(IConvertorFactory* factory, const SHeldWavFormat& accepted, IStatus** status) {
+    if (factory == nullptr) return false;
+    CComPtr<IStatus> reason;
+    const bool created = CallGuarded([&] {
+        return factory->CreateConvertor(&m_inputFormat.m_held.m_format, &accepted.m_format, m_pConvertor.Out(),
+                                        status != nullptr ? reason.Out() : nullptr);
+    });
+    if (!created || !m_pConvertor) return false;
+    if (reason) *status = reason.Detach();
+    return true;
+}
+
+bool CTargetAggregator::End(IStatus** status) {
+    if (!CallGuarded([&] { return m_pProcess->End(status); })) return false;
+    m_pConvertor.Reset();
+    return true;
+}
+
+bool CTargetAggregator::IsInProcess() { return m_pProcess->IsInProcess(); }
+
+bool CTargetAggregator::RawWrite(unsigned char* data, int size, EAudioRawState& state, IStatus** status) {
+    if (data == nullptr || size == 0) {
+        ReportStatus(status, AE_BAD_ARGUMENT);
+        return false;
+    }
+    if (m_pConvertor) {
+        m_pConvertor->Convert(data, size, 0, status);
+        data = m_pConvertor->GetOutputData();
+        size = m_pConvertor->GetOutputLength();
+    }
+    return m_pWriter->RawWrite(data, size, state, status);
+}
+
+SWavFormat CTargetAggregator::GetRawFormat() { return m_inputFormat.m_held.m_format; }

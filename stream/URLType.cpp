@@ -1,0 +1,22 @@
+// Classes of source names.
+#include "stream/URLType.h"
+
+#include <strings.h>
+
+#include <cstring>
+#include <string_view>
+
+namespace {
+
+bool StartsWith(const char* url, std::string_view prefix) {
+    return std::strlen(url) > prefix.size() && strncasecmp(url, prefix.data(), prefix.size()) == 0;
+}
+
+}  // namespace
+
+EURLType ClassifyURL(const char* url) {
+    if (url == nullptr) return URL_UNKNOWN;
+    if (StartsWith(url, "http://")) return URL_HTTP;
+    if (StartsWith(url, "ftp://")) return URL_FTP;
+    return StartsWith(url, "/") ? URL_LOCAL_PATH : URL_UNKNOWN;
+}
