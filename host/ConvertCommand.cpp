@@ -1,0 +1,159 @@
+// keloaudio convert.
+#include "host/ConvertCommand.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <numeric>
+#include <vector>
+
+#include "host/Encoders.h"
+#include "host/Failure.h"
+#include "host/FormatText.h"
+#include "host/SourceStream.h"
+#include "host/StopSignal.h"
+#include "host/TargetFile.h"
+#include "host/TargetStream.h"
+
+namespace {
+
+constexpr int kBlockBytes = 65536;
+
+// The source aggregator rounds its requests to this.
+constexpr std::int64_t kRequestUnit = 12;
+
+constexpr int kMaxSourceChannels = 1024;
+
+struct SStreamReport {
+    SWavFormat m_format;
+    std::uint64_t m_nFrames;
+};
+
+struct SConversionReport {
+    SStreamReport m_source;
+    SStreamReport m_target;
+};
+
+SWavFormat ApplyOptions(SWavFormat format, const SConvertOptions& options) {
+    if (options.m_nSampleRate != 0) format.nSampleRate = options.m_nSampleRate;
+    if (options.m_nBitsPerSample != 0) format.nBitsPerSample = options.m_nBitsPerSample;
+    if (options.m_nChannels != 0) format.nChannels = options.m_nChannels;
+    return format;
+}
+
+// Sizes are computed from the format; a decoder's word for it is not trusted further than this.
+void RequirePossible(const SWavFormat& format, const std::string& name) {
+    const bool possible = format.nSampleRate > 0 && format.nBitsPerSample >= 8 && format.nBitsPerSample <= 64 &&
+                          format.nChannels > 0 && format.nChannels <= kMaxSourceChannels;
+    if (!possible) throw CFailure(name, "its decoder tells an impossible format: " + FormatText(format));
+}
+
+bool SameRateAndChannels(const SWavFormat& left, const SWavFormat& right) {
+    return left.nSampleRate == right.nSampleRate && left.nChannels == right.nChannels;
+}
+
+// Whole sample frames of `format` in whole units, near kBlockBytes.
+std::vector<unsigned char> MakeBlock(const SWavFormat& format) {
+    const std::int64_t unit = std::lcm(kRequestUnit, BlockSizeOf(format));
+    return std::vector<unsigned char>(static_cast<std::size_t>(unit * std::max<std::int64_t>(1, kBlockBytes / unit)));
+}
+
+void CheckStop(const SConvertOptions& options) {
+    if (GetStopSignal() != 0) throw CFailure(options.m_strOutput, "interrupted, nothing is written");
+}
+
+// Moves every block and returns the number of bytes.
+std::uint64_t Pump(CSourceStream& source, CTargetStream& target, const SConvertOptions& options) {
+    std::vector<unsigned char> block = MakeBlock(source.GetFormat());
+    std::uint64_t total = 0;
+    for (;;) {
+        CheckStop(options);
+        const int read = source.Read(block.data(), static_cast<int>(block.size()));
+        if (read == 0) return total;
+        target.Write(block.data(), read);
+        total += static_cast<std::uint64_t>(read);
+    }
+}
+
+// One conversion from the choice of formats to the end of both streams; the streams are gone when it returns.
+class CConversion {
+public:
+    CConversion(const CPluginSession& session, const SConvertOptions& options, const CSourceName& name)
+        : m_session(session), m_options(options), m_name(name), m_pEncoder(FindEncoder(session, options.m_strOutput)) {
+        const CSourceStream source(session, name, nullptr);
+        RequirePossible(source.GetFormat(), name.GetGiven());
+        m_report.m_source = {source.GetFormat(), source.GetAnnouncedFrames()};
+    }
+
+    SConversionReport Run(const std::string& path) {
+        SWavFormat wanted = ApplyOptions(m_report.m_source.m_format, m_options);
+        auto target = MakeTarget(path, wanted);
+        if (!SameRateAndChannels(target->GetFileFormat(), wanted)) {
+            wanted = AdoptRateAndChannels(wanted, target->GetFileFormat());
+            target = MakeTarget(path, wanted);
+        }
+        CSourceStream source(m_session, m_name, &wanted);
+        Transfer(source, *target, wanted);
+        return m_report;
+    }
+
+private:
+    std::unique_ptr<CTargetStream> MakeTarget(const std::string& path, const SWavFormat& format) const {
+        const STargetPlace place{m_options.m_strOutput, path, ExtensionOf(m_options.m_strOutput)};
+        return std::make_unique<CTargetStream>(m_session, *m_pEncoder, place, format);
+    }
+
+    // A target's convertor cannot be emptied at the end, so only the source side may change the number of frames.
+    SWavFormat AdoptRateAndChannels(SWavFormat wanted, const SWavFormat& accepted) const {
+        const bool rateForced = m_options.m_nSampleRate != 0 && accepted.nSampleRate != wanted.nSampleRate;
+        const bool channelsForced = m_options.m_nChannels != 0 && accepted.nChannels != wanted.nChannels;
+        if (rateForced || channelsForced) {
+            throw CFailure(m_options.m_strOutput,
+                           "no " + FormatText(wanted) + " in this file format (it takes " + FormatText(accepted) + ")");
+        }
+        wanted.nSampleRate = accepted.nSampleRate;
+        wanted.nChannels = accepted.nChannels;
+        return wanted;
+    }
+
+    void Transfer(CSourceStream& source, CTargetStream& target, const SWavFormat& format) {
+        source.Start();
+        target.Start();
+        const std::uint64_t bytes = Pump(source, target, m_options);
+        target.End();
+        source.End();
+        CheckStop(m_options);
+        const auto frameBytes = static_cast<std::uint64_t>(BlockSizeOf(format));
+        m_report.m_target = {target.GetFileFormat(), bytes / frameBytes};
+        // The announced length is rounded or unknown for some sources; without resampling the count is exact.
+        if (format.nSampleRate == m_report.m_source.m_format.nSampleRate) {
+            m_report.m_source.m_nFrames = m_report.m_target.m_nFrames;
+        }
+    }
+
+    const CPluginSession& m_session;
+    const SConvertOptions& m_options;
+    const CSourceName& m_name;
+    CComPtr<IAudioTargetOpener> m_pEncoder;
+    SConversionReport m_report{};
+};
+
+void PrintReport(const std::string& name, const SStreamReport& report) {
+    const std::string line =
+        name + ": " + FormatText(report.m_format) + ", " + LengthText(report.m_nFrames, report.m_format.nSampleRate);
+    std::puts(line.c_str());
+}
+
+}  // namespace
+
+void RunConvert(const SConvertOptions& options, const std::string& pluginDirectory) {
+    const CSourceName name(options.m_strInput);
+    const CPluginSession session(pluginDirectory);
+    CConversion conversion(session, options, name);
+    CTargetFile file(options.m_strOutput, name.GetURL());
+    const SConversionReport report = conversion.Run(file.GetTemporaryPath());
+    file.Commit();
+    PrintReport(options.m_strInput, report.m_source);
+    PrintReport(options.m_strOutput, report.m_target);
+}

@@ -1,0 +1,43 @@
+// The choice of an encoder by the output's extension.
+#include "host/Encoders.h"
+
+#include <strings.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <vector>
+
+#include "com/InterfaceIds.h"
+#include "host/Failure.h"
+
+namespace {
+
+bool Contains(const std::vector<std::string>& extensions, const std::string& wanted) {
+    return std::any_of(extensions.begin(), extensions.end(), [&wanted](const std::string& extension) {
+        return strcasecmp(extension.c_str(), wanted.c_str()) == 0;
+    });
+}
+
+}  // namespace
+
+std::string ExtensionOf(const std::string& path) {
+    const std::string extension = std::filesystem::path(path).extension().string();
+    return extension.empty() ? extension : extension.substr(1);
+}
+
+CComPtr<IAudioTargetOpener> FindEncoder(const CPluginSession& session, const std::string& output) {
+    const std::string wanted = ExtensionOf(output);
+    std::vector<std::string> known;
+    for (const CComPtr<IAudioComponent>& component : session.GetComponents()) {
+        if (component->GetType() != ACT_ENCODER) continue;
+        auto opener = CComPtr<IAudioTargetOpener>::Query(component.Get(), IID_IAudioTargetOpener);
+        if (!opener) continue;
+        const std::vector<std::string> extensions = ExtensionsOf(*component);
+        if (Contains(extensions, wanted)) return opener;
+        known.insert(known.end(), extensions.begin(), extensions.end());
+    }
+    const std::string reason =
+        wanted.empty() ? "no extension to choose an encoder by" : "no encoder lists \"." + wanted + "\"";
+    throw CFailure(output,
+                   reason + " (listed: " + JoinNames(known) + "; plug-ins from " + session.GetDirectory() + ")");
+}

@@ -1,0 +1,15 @@
+// The choice of an encoder by the output's extension.
+#pragma once
+
+#include <string>
+
+#include "com/ComPtr.h"
+#include "host/PluginSession.h"
+#include "stream/AudioTargetOpener.h"
+
+// The extension of `path` without its dot; empty when there is none.
+std::string ExtensionOf(const std::string& path);
+
+// The first encoder in registry order that lists the extension of `output`, in any case of letters.
+// Throws CFailure when there is none.
+CComPtr<IAudioTargetOpener> FindEncoder(const CPluginSession& session, const std::string& output);

@@ -1,0 +1,60 @@
+// Reasons in words.
+#include "host/FailureText.h"
+
+#include <cstdio>
+#include <system_error>
+
+namespace {
+
+struct SAudioErrorWords {
+    EAudioError m_eError;
+    const char* m_szWords;
+};
+
+constexpr SAudioErrorWords kAudioErrorWords[] = {
+    {AE_BAD_ARGUMENT, "a null pointer or a size of zero was passed"},
+    {AE_BUFFER_TOO_SMALL, "the read buffer is too small for a converted sample frame"},
+    {AE_UNKNOWN_URL, "neither a file path nor an http:// or ftp:// address"},
+    {AE_NO_DECODER, "no decoder opened it"},
+    {AE_PLUGINS_LOADED, "refused while plug-ins are loaded"},
+};
+
+// A name may hold line breaks and a plug-in's text may too; the report stays one line.
+void PutPrintable(const char* text) noexcept {
+    for (; *text != '\0'; ++text) {
+        const auto byte = static_cast<unsigned char>(*text);
+        std::fputc(byte < 0x20 || byte == 0x7F ? '?' : byte, stderr);
+    }
+}
+
+}  // namespace
+
+std::string SystemErrorText(int error) { return std::generic_category().message(error); }
+
+std::string AudioErrorText(EAudioError error) {
+    for (const SAudioErrorWords& entry : kAudioErrorWords) {
+        if (entry.m_eError == error) return entry.m_szWords;
+    }
+    char text[32];
+    std::snprintf(text, sizeof(text), "error 0x%08X", static_cast<unsigned int>(error));
+    return text;
+}
+
+std::string StatusText(IStatus* status, const std::string& otherwise) {
+    if (status == nullptr) return otherwise;
+    const char* const description = status->GetDescription();
+    if (description != nullptr && *description != '\0') return description;
+    if (status->GetSysError() != 0) return SystemErrorText(static_cast<int>(status->GetSysError()));
+    if (status->GetAudioError() != AE_NONE) return AudioErrorText(status->GetAudioError());
+    return otherwise;
+}
+
+void ReportFailure(const char* subject, const char* reason) noexcept {
+    std::fputs("keloaudio: ", stderr);
+    if (subject != nullptr) {
+        PutPrintable(subject);
+        std::fputs(": ", stderr);
+    }
+    PutPrintable(reason);
+    std::fputc('\n', stderr);
+}

@@ -1,0 +1,24 @@
+// A stream between Start and End.
+#pragma once
+
+#include "com/ComPtr.h"
+#include "stream/Process.h"
+
+// Ends a started stream when the way out is an exception. One thread. [stream-thread]
+class CRunningProcess {
+public:
+    explicit CRunningProcess(CComPtr<IProcess> process);
+    ~CRunningProcess();
+
+    CRunningProcess(const CRunningProcess&) = delete;
+    CRunningProcess& operator=(const CRunningProcess&) = delete;
+
+    bool Start(IStatus** status);
+
+    // Once after a successful Start.
+    bool End(IStatus** status);
+
+private:
+    CComPtr<IProcess> m_pProcess;
+    bool m_bStarted = false;
+};

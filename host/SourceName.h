@@ -1,0 +1,19 @@
+// The name of a source as the person gave it and as the manager takes it.
+#pragma once
+
+#include <string>
+
+class CSourceName {
+public:
+    // A relative path becomes absolute at once: loading plug-ins changes the current directory for a while.
+    explicit CSourceName(std::string given);
+
+    const std::string& GetGiven() const { return m_strGiven; }
+    const char* GetURL() const { return m_strURL.c_str(); }
+    bool IsRemote() const { return m_bRemote; }
+
+private:
+    std::string m_strGiven;
+    bool m_bRemote;
+    std::string m_strURL;
+};

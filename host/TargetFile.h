@@ -1,0 +1,28 @@
+// The output file: written under a temporary name, shown under its own name only when it is complete.
+#pragma once
+
+#include <string>
+
+// Throws CFailure, naming the output as it was given. One thread.
+class CTargetFile {
+public:
+    // Makes an empty private file beside the output. An output that exists must be a regular file that may be written
+    // and must not be `source`, a path that need not exist.
+    CTargetFile(std::string output, const char* source);
+
+    // Removes the temporary unless Commit succeeded.
+    ~CTargetFile();
+
+    CTargetFile(const CTargetFile&) = delete;
+    CTargetFile& operator=(const CTargetFile&) = delete;
+
+    const std::string& GetTemporaryPath() const { return m_strTemporary; }
+
+    // Gives the file the mode of a newly made one and puts it in the output's place.
+    void Commit();
+
+private:
+    std::string m_strGiven;
+    std::string m_strOutput;
+    std::string m_strTemporary;
+};

@@ -1,0 +1,58 @@
+// keloaudio: the command-line host of the plug-in manager.
+#include <cerrno>
+#include <cstdio>
+#include <exception>
+#include <new>
+
+#include "host/ConvertCommand.h"
+#include "host/Failure.h"
+#include "host/FailureText.h"
+#include "host/ListCommand.h"
+#include "host/Options.h"
+#include "host/StopSignal.h"
+
+namespace {
+
+// The shell's number for a program that a signal ended.
+constexpr int kExitSignalBase = 128;
+
+void RunCommand(const SOptions& options) {
+    if (options.m_eCommand == SOptions::ECommand::List) {
+        RunList(options.m_strPluginDirectory);
+    } else {
+        RunConvert(options.m_convert, options.m_strPluginDirectory);
+    }
+    if (std::fflush(stdout) != 0) throw CFailure("standard output", SystemErrorText(errno));
+}
+
+// Whatever ends a command ends here, as one line.
+int RunReported(const char* subject, void (*run)(const SOptions&), const SOptions& options) noexcept {
+    try {
+        run(options);
+        return 0;
+    } catch (const CFailure& failure) {
+        ReportFailure(nullptr, failure.what());
+    } catch (const std::bad_alloc&) {
+        ReportFailure(subject, "not enough memory");
+    } catch (const std::exception& error) {
+        ReportFailure(subject, error.what());
+    } catch (...) {
+        ReportFailure(subject, "a plug-in ended with an exception");
+    }
+    return GetStopSignal() != 0 ? kExitSignalBase + GetStopSignal() : kExitFailed;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    WatchStopSignals();
+    SOptions options;
+    int exitStatus = 0;
+    try {
+        if (!ParseOptions(argc, argv, options, exitStatus)) return exitStatus;
+    } catch (const std::exception& error) {
+        ReportFailure(nullptr, error.what());
+        return kExitFailed;
+    }
+    return RunReported(options.GetSubject().c_str(), RunCommand, options);
+}
