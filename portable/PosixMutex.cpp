@@ -13,6 +13,23 @@ struct SPosixMutexRecord {
     pthread_cond_t m_unlocked;
 };
 
+namespace {
+
+int LockBefore(SPosixMutexRecord& record, unsigned int timeoutMs) {
+    const timespec deadline = DeadlineFromNow(timeoutMs);
+    for (;;) {
+        pthread_mutex_lock(&record.m_guard);
+        const bool locked = pthread_mutex_trylock(&record.m_main) == 0;
+        const bool timedOut =
+            !locked && pthread_cond_timedwait(&record.m_unlocked, &record.m_guard, &deadline) == ETIMEDOUT;
+        pthread_mutex_unlock(&record.m_guard);
+        if (locked) return 1;
+        if (timedOut) return 0;
+    }
+}
+
+}  // namespace
+
 CPosixMutex::CPosixMutex(int initialOwner) {
     m_pMutexRecord = new SPosixMutexRecord;
     pthread_mutex_init(&m_pMutexRecord->m_guard, nullptr);
@@ -43,21 +60,7 @@ int CPosixMutex::Lock(unsigned int timeoutMs) {
         pthread_mutex_lock(&m_pMutexRecord->m_main);
         return 1;
     }
-    return LockBefore(timeoutMs);
-}
-
-int CPosixMutex::LockBefore(unsigned int timeoutMs) {
-    SPosixMutexRecord& record = *m_pMutexRecord;
-    const timespec deadline = DeadlineFromNow(timeoutMs);
-    for (;;) {
-        pthread_mutex_lock(&record.m_guard);
-        const bool locked = pthread_mutex_trylock(&record.m_main) == 0;
-        const bool timedOut =
-            !locked && pthread_cond_timedwait(&record.m_unlocked, &record.m_guard, &deadline) == ETIMEDOUT;
-        pthread_mutex_unlock(&record.m_guard);
-        if (locked) return 1;
-        if (timedOut) return 0;
-    }
+    return LockBefore(*m_pMutexRecord, timeoutMs);
 }
 
 int CPosixMutex::Unlock() {

@@ -16,7 +16,4 @@ public:
 
     // 0 when the caller is not the owner.
     int Unlock() override;
-
-private:
-    int LockBefore(unsigned int timeoutMs);
 };

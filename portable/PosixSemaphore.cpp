@@ -12,6 +12,32 @@ struct SPosixSemaphoreRecord {
     pthread_cond_t m_raised;
 };
 
+namespace {
+
+int LockWithoutLimit(SPosixSemaphoreRecord& record, int& count) {
+    pthread_mutex_lock(&record.m_mutex);
+    while (count <= 0) pthread_cond_wait(&record.m_raised, &record.m_mutex);
+    --count;
+    pthread_mutex_unlock(&record.m_mutex);
+    return 1;
+}
+
+int LockBefore(SPosixSemaphoreRecord& record, int& count, unsigned int timeoutMs) {
+    const timespec deadline = DeadlineFromNow(timeoutMs);
+    for (;;) {
+        pthread_mutex_lock(&record.m_mutex);
+        const bool taken = count > 0;
+        if (taken) --count;
+        const bool timedOut =
+            !taken && pthread_cond_timedwait(&record.m_raised, &record.m_mutex, &deadline) == ETIMEDOUT;
+        pthread_mutex_unlock(&record.m_mutex);
+        if (taken) return 1;
+        if (timedOut) return 0;
+    }
+}
+
+}  // namespace
+
 CPosixSemaphore::CPosixSemaphore(int initialCount, int maximumCount)
     : m_nCount(initialCount), m_nMaximum(maximumCount) {
     m_pSemaphoreRecord = new SPosixSemaphoreRecord;
@@ -29,36 +55,14 @@ CPosixSemaphore::~CPosixSemaphore() {
 
 int CPosixSemaphore::Lock(unsigned int timeoutMs) {
     if (m_pSemaphoreRecord == nullptr) return 0;
-    if (timeoutMs == kInfiniteTimeout) return LockWithoutLimit();
-    if (timeoutMs != 0) return LockBefore(timeoutMs);
+    if (timeoutMs == kInfiniteTimeout) return LockWithoutLimit(*m_pSemaphoreRecord, m_nCount);
+    if (timeoutMs != 0) return LockBefore(*m_pSemaphoreRecord, m_nCount, timeoutMs);
 
     pthread_mutex_lock(&m_pSemaphoreRecord->m_mutex);
     const bool taken = m_nCount >= 1;
     if (taken) --m_nCount;
     pthread_mutex_unlock(&m_pSemaphoreRecord->m_mutex);
     return taken ? 1 : 0;
-}
-
-int CPosixSemaphore::LockWithoutLimit() {
-    pthread_mutex_lock(&m_pSemaphoreRecord->m_mutex);
-    while (m_nCount <= 0) pthread_cond_wait(&m_pSemaphoreRecord->m_raised, &m_pSemaphoreRecord->m_mutex);
-    --m_nCount;
-    pthread_mutex_unlock(&m_pSemaphoreRecord->m_mutex);
-    return 1;
-}
-
-int CPosixSemaphore::LockBefore(unsigned int timeoutMs) {
-    const timespec deadline = DeadlineFromNow(timeoutMs);
-    for (;;) {
-        pthread_mutex_lock(&m_pSemaphoreRecord->m_mutex);
-        const bool taken = m_nCount > 0;
-        if (taken) --m_nCount;
-        const bool timedOut = !taken && pthread_cond_timedwait(&m_pSemaphoreRecord->m_raised,
-                                                               &m_pSemaphoreRecord->m_mutex, &deadline) == ETIMEDOUT;
-        pthread_mutex_unlock(&m_pSemaphoreRecord->m_mutex);
-        if (taken) return 1;
-        if (timedOut) return 0;
-    }
 }
 
 int CPosixSemaphore::Unlock() {

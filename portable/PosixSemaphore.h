@@ -17,9 +17,6 @@ public:
     int Unlock() override;
 
 private:
-    int LockBefore(unsigned int timeoutMs);
-    int LockWithoutLimit();
-
     int m_nCount;
     int m_nMaximum;
 };
