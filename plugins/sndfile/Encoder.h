@@ -1,0 +1,22 @@
+// The encoder component.
+#pragma once
+
+#include "plugins/sndfile/Component.h"
+#include "stream/AudioTargetOpener.h"
+#include "stream/FileOpener.h"
+
+// Writes WAV and FLAC files. [any thread]
+class CEncoder final : public CComponent<IExtensionList, IAudioTargetOpener> {
+public:
+    int QueryInterface(unsigned long identity, void** face) override;
+
+    const char* GetName() override { return "libsndfile Encoder"; }
+    EAudioComponentType GetType() override { return ACT_ENCODER; }
+
+    int GetCount() override;
+
+    // Null when there is no extension `n`.
+    const char* GetAt(int n) override;
+
+    bool OpenTarget(const char* path, const char* extension, IAudioTarget** target, IStatus** status) override;
+};

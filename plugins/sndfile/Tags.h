@@ -1,0 +1,19 @@
+// Descriptive tags of a sound file.
+#pragma once
+
+#include <sndfile.h>
+
+#include <optional>
+#include <string>
+
+// UTF-8; empty where the file has no such tag.
+struct STags {
+    std::string m_strTitle;
+    std::string m_strArtist;
+    std::string m_strAlbum;
+    std::string m_strYear;  // the date as the file has it
+    std::string m_strGenre;
+};
+
+// None for a file without any tag, of these kinds or of another.
+std::optional<STags> TagsOf(SNDFILE* file);
