@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Debian packages that the scripts of this project need. Sourced, not run.
 
 # Installs those of the named packages that are missing. Only root can; anybody else gets the line to run, and the

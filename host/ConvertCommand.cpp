@@ -10,6 +10,7 @@
 
 #include "host/Encoders.h"
 #include "host/Failure.h"
+#include "host/FailureText.h"
 #include "host/FormatText.h"
 #include "host/SourceStream.h"
 #include "host/StopSignal.h"
@@ -24,6 +25,9 @@ constexpr int kBlockBytes = 65536;
 constexpr std::int64_t kRequestUnit = 12;
 
 constexpr int kMaxSourceChannels = 1024;
+
+// Less than a hundredth of a second may be the rounding of announced lengths and of the resampler.
+constexpr double kShortfallPerSecond = 100;
 
 struct SStreamReport {
     SWavFormat m_format;
@@ -117,6 +121,18 @@ private:
         return wanted;
     }
 
+    // Some formats only estimate their length, so a shortfall is worth a word but is no failure.
+    void WarnOfShortfall() const {
+        const SStreamReport& source = m_report.m_source;
+        const double delivered = static_cast<double>(m_report.m_target.m_nFrames) * source.m_format.nSampleRate /
+                                 m_report.m_target.m_format.nSampleRate;
+        const double missing = static_cast<double>(source.m_nFrames) - delivered;
+        if (missing * kShortfallPerSecond < source.m_format.nSampleRate) return;
+        const std::string text = "ended early: " + std::to_string(source.m_nFrames) + " frames announced, about " +
+                                 std::to_string(static_cast<std::uint64_t>(delivered)) + " delivered";
+        ReportFailure(m_name.GetGiven().c_str(), text.c_str());
+    }
+
     void Transfer(CSourceStream& source, CTargetStream& target, const SWavFormat& format) {
         source.Start();
         target.Start();
@@ -126,6 +142,7 @@ private:
         CheckStop(m_options);
         const auto frameBytes = static_cast<std::uint64_t>(BlockSizeOf(format));
         m_report.m_target = {target.GetFileFormat(), bytes / frameBytes};
+        WarnOfShortfall();
         // The announced length is rounded or unknown for some sources; without resampling the count is exact.
         if (format.nSampleRate == m_report.m_source.m_format.nSampleRate) {
             m_report.m_source.m_nFrames = m_report.m_target.m_nFrames;

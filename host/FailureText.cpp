@@ -27,6 +27,14 @@ void PutPrintable(const char* text) noexcept {
     }
 }
 
+std::string WithoutName(const std::string& text, const std::string& path) {
+    for (const std::string& name : {path, path.substr(path.rfind('/') + 1)}) {
+        const std::string prefix = name + ": ";
+        if (text.compare(0, prefix.size(), prefix) == 0) return text.substr(prefix.size());
+    }
+    return text;
+}
+
 }  // namespace
 
 std::string SystemErrorText(int error) { return std::generic_category().message(error); }
@@ -40,10 +48,10 @@ std::string AudioErrorText(EAudioError error) {
     return text;
 }
 
-std::string StatusText(IStatus* status, const std::string& otherwise) {
+std::string StatusText(IStatus* status, const std::string& otherwise, const std::string& path) {
     if (status == nullptr) return otherwise;
     const char* const description = status->GetDescription();
-    if (description != nullptr && *description != '\0') return description;
+    if (description != nullptr && *description != '\0') return WithoutName(description, path);
     if (status->GetSysError() != 0) return SystemErrorText(static_cast<int>(status->GetSysError()));
     if (status->GetAudioError() != AE_NONE) return AudioErrorText(status->GetAudioError());
     return otherwise;

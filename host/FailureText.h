@@ -12,8 +12,9 @@ std::string SystemErrorText(int error);
 std::string AudioErrorText(EAudioError error);
 
 // The description of `status`, else its system error, else its audio error in words; `otherwise` when it is null or
-// tells nothing.
-std::string StatusText(IStatus* status, const std::string& otherwise);
+// tells nothing. Plug-ins may begin a description with the name of the file, which is `path` or its last component:
+// that name is left out, since a report begins with the name that the person gave.
+std::string StatusText(IStatus* status, const std::string& otherwise, const std::string& path);
 
 // Writes "keloaudio: subject: reason" as one line to standard error; control characters come out as '?'.
 // A null subject is left out. Allocates nothing, so that it works when memory is short.

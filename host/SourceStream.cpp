@@ -33,17 +33,18 @@ void RequirePlainFile(const CSourceName& name) {
 
 std::string OpenFailureText(const CPluginSession& session, const CSourceName& name, IStatus* status) {
     if (status == nullptr) return "its decoder does not work as a converting source" + AskedText(session);
-    if (status->GetSysError() != 0) return StatusText(status, "");
+    if (status->GetSysError() != 0) return StatusText(status, "", name.GetURL());
     if (name.IsRemote() && status->GetAudioError() == AE_NO_DECODER) {
         return "no plug-in fetched it or no decoder opened it" + AskedText(session);
     }
-    return StatusText(status, "no decoder opened it") + AskedText(session);
+    return StatusText(status, "no decoder opened it", name.GetURL()) + AskedText(session);
 }
 
-std::string StartFailureText(IStatus* status, const SWavFormat& real, const SWavFormat& wanted) {
-    if (SHeldWavFormat{real, 0} == SHeldWavFormat{wanted, 0}) return StatusText(status, "its decoder does not start");
+std::string StartFailureText(IStatus* status, const char* path, const SWavFormat& real, const SWavFormat& wanted) {
+    if (SHeldWavFormat{real, 0} == SHeldWavFormat{wanted, 0})
+        return StatusText(status, "its decoder does not start", path);
     return "no conversion from " + FormatText(real) + " to " + FormatText(wanted) + ": " +
-           StatusText(status, "no plug-in converts it");
+           StatusText(status, "no plug-in converts it", path);
 }
 
 SWavFormat RealFormatOf(IAudioRawReader& reader) {
@@ -78,7 +79,8 @@ CComPtr<IUnknown> CSourceStream::Open(const CPluginSession& session, const CSour
 void CSourceStream::Start() {
     CComPtr<IStatus> status;
     if (m_process.Start(status.Out())) return;
-    throw CFailure(m_name.GetGiven(), StartFailureText(status.Get(), RealFormatOf(*m_pReader), GetFormat()));
+    throw CFailure(m_name.GetGiven(),
+                   StartFailureText(status.Get(), m_name.GetURL(), RealFormatOf(*m_pReader), GetFormat()));
 }
 
 int CSourceStream::Read(unsigned char* buffer, int size) {
@@ -87,8 +89,9 @@ int CSourceStream::Read(unsigned char* buffer, int size) {
         EAudioRawState state = ARS_MORE;
         CComPtr<IStatus> status;
         if (!m_pReader->RawRead(buffer, size, &read, state, status.Out())) {
-            throw CFailure(m_name.GetGiven(),
-                           "reading failed: " + StatusText(status.Get(), "its decoder tells no reason"));
+            throw CFailure(
+                m_name.GetGiven(),
+                "reading failed: " + StatusText(status.Get(), "its decoder tells no reason", m_name.GetURL()));
         }
         if (read < 0 || read > size)
             throw CFailure(m_name.GetGiven(), "its decoder counts more bytes than it was asked");
@@ -101,5 +104,6 @@ int CSourceStream::Read(unsigned char* buffer, int size) {
 void CSourceStream::End() {
     CComPtr<IStatus> status;
     if (m_process.End(status.Out())) return;
-    throw CFailure(m_name.GetGiven(), "ending failed: " + StatusText(status.Get(), "its decoder tells no reason"));
+    throw CFailure(m_name.GetGiven(),
+                   "ending failed: " + StatusText(status.Get(), "its decoder tells no reason", m_name.GetURL()));
 }

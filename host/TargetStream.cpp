@@ -53,7 +53,7 @@ CComPtr<IAudioTarget> CTargetStream::OpenTarget(IAudioTargetOpener& encoder) con
         target) {
         return target;
     }
-    throw CFailure(m_place.m_strOutput, StatusText(status.Get(), "its encoder opens no such file"));
+    throw CFailure(m_place.m_strOutput, StatusText(status.Get(), "its encoder opens no such file", m_place.m_strPath));
 }
 
 CComPtr<IUnknown> CTargetStream::CreateStream() {
@@ -62,8 +62,9 @@ CComPtr<IUnknown> CTargetStream::CreateStream() {
     CComPtr<IStatus> status;
     // After a failure the pointer may hold a bare encoder; it is released here as well.
     if (!m_session.GetManager().CreateURLAudioTarget(&factory, stream.Out(), m_format, status.Out())) {
-        throw CFailure(m_place.m_strOutput, "no encoder for " + FormatText(m_format) + ": " +
-                                                StatusText(status.Get(), "its encoder does not work as a target"));
+        throw CFailure(m_place.m_strOutput,
+                       "no encoder for " + FormatText(m_format) + ": " +
+                           StatusText(status.Get(), "its encoder does not work as a target", m_place.m_strPath));
     }
     m_fileFormat = factory.GetFormat();
     return stream;
@@ -83,20 +84,21 @@ void CTargetStream::Start() {
     if (Converts()) CoverConvertor();
     CComPtr<IStatus> status;
     if (m_process.Start(status.Out())) return;
-    throw CFailure(m_place.m_strOutput,
-                   "writing does not start: " + StatusText(status.Get(), "its encoder tells no reason"));
+    throw CFailure(m_place.m_strOutput, "writing does not start: " +
+                                            StatusText(status.Get(), "its encoder tells no reason", m_place.m_strPath));
 }
 
 void CTargetStream::Write(unsigned char* data, int size) {
     EAudioRawState state = ARS_MORE;
     CComPtr<IStatus> status;
     if (m_pWriter->RawWrite(data, size, state, status.Out())) return;
-    throw CFailure(m_place.m_strOutput, "writing failed: " + StatusText(status.Get(), "its encoder tells no reason"));
+    throw CFailure(m_place.m_strOutput,
+                   "writing failed: " + StatusText(status.Get(), "its encoder tells no reason", m_place.m_strPath));
 }
 
 void CTargetStream::End() {
     CComPtr<IStatus> status;
     if (m_process.End(status.Out())) return;
-    throw CFailure(m_place.m_strOutput,
-                   "writing failed at the end: " + StatusText(status.Get(), "its encoder tells no reason"));
+    throw CFailure(m_place.m_strOutput, "writing failed at the end: " +
+                                            StatusText(status.Get(), "its encoder tells no reason", m_place.m_strPath));
 }
