@@ -1,0 +1,33 @@
+// The plug-in's primary component: a factory of convertors.
+#pragma once
+
+#include "com/AudioComponent.h"
+#include "com/FeatureSupport.h"
+#include "com/ReferenceCount.h"
+#include "stream/Convertor.h"
+
+// Lives as long as the plug-in stays loaded; its references are only counted. [any thread]
+class CConvertorComponent final : public IAudioComponent, public IConvertorFactory, public IFeatureSupport {
+public:
+    unsigned int AddRef() override;
+    unsigned int Release() override;
+    int QueryInterface(unsigned long identity, void** face) override;
+
+    const char* GetName() override;
+    EAudioComponentType GetType() override;
+    bool Initialize(IAudioPluginMgr* manager, IStatus** status) override;
+    void Terminate() override;
+
+    void ReservedFirst() override;
+
+    // False with a description of what cannot be mapped; `*convertor` is null then.
+    bool CreateConvertor(const SWavFormat* from, const SWavFormat* to, IAudioConvertor** convertor,
+                         IStatus** status) override;
+
+    // Basic conversion is always there; nothing can be switched.
+    bool IsSupported(EAudioFeature feature) override;
+    bool EnableSupport(EAudioFeature feature, bool enable) override;
+
+private:
+    CReferenceCount m_references{0};
+};

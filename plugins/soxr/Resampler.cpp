@@ -1,0 +1,40 @@
+// One libsoxr resampler.
+#include "plugins/soxr/Resampler.h"
+
+#include <stdexcept>
+
+namespace {
+
+void Check(soxr_error_t error) {
+    if (error != nullptr) throw std::runtime_error(error);
+}
+
+soxr_t Create(int fromRate, int toRate, int channels) {
+    const soxr_io_spec_t samples = soxr_io_spec(SOXR_INT32_I, SOXR_INT32_I);
+    const soxr_quality_spec_t quality = soxr_quality_spec(SOXR_HQ, SOXR_ROLLOFF_NONE);
+    const soxr_runtime_spec_t oneThread = soxr_runtime_spec(1);
+    soxr_error_t error = nullptr;
+    const soxr_t created =
+        soxr_create(fromRate, toRate, static_cast<unsigned>(channels), &error, &samples, &quality, &oneThread);
+    Check(error);
+    return created;
+}
+
+}  // namespace
+
+CResampler::CResampler(int fromRate, int toRate, int channels) : m_pResampler(Create(fromRate, toRate, channels)) {}
+
+CResampler::SProgress CResampler::Process(const std::int32_t* input, std::size_t frames, std::int32_t* output,
+                                          std::size_t room) {
+    SProgress progress{0, 0};
+    Check(soxr_process(m_pResampler.get(), input, frames, &progress.m_nTaken, output, room, &progress.m_nMade));
+    return progress;
+}
+
+std::size_t CResampler::Drain(std::int32_t* output, std::size_t room) {
+    std::size_t made = 0;
+    Check(soxr_process(m_pResampler.get(), nullptr, 0, nullptr, output, room, &made));
+    return made;
+}
+
+void CResampler::Restart() { Check(soxr_clear(m_pResampler.get())); }

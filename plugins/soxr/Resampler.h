@@ -1,0 +1,36 @@
+// One libsoxr resampler.
+#pragma once
+
+#include <soxr.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+// Interleaved 32-bit samples at one rate in, at another out, without delay. One object belongs to one thread.
+// Operations throw std::runtime_error with soxr's own words when soxr fails.
+class CResampler {
+public:
+    CResampler(int fromRate, int toRate, int channels);
+
+    struct SProgress {
+        std::size_t m_nTaken;
+        std::size_t m_nMade;
+    };
+
+    // Takes at most `frames` frames from `input` and makes at most `room` frames of `output`.
+    // Everything has been taken and nothing more is ready once all input is taken and less than `room` was made.
+    SProgress Process(const std::int32_t* input, std::size_t frames, std::int32_t* output, std::size_t room);
+
+    // The input is at its end: makes at most `room` frames of what is still inside; less only when nothing is left.
+    std::size_t Drain(std::int32_t* output, std::size_t room);
+
+    // Forgets everything; the next input starts a new stream.
+    void Restart();
+
+private:
+    struct SDelete {
+        void operator()(soxr* resampler) const { soxr_delete(resampler); }
+    };
+    std::unique_ptr<soxr, SDelete> m_pResampler;
+};
