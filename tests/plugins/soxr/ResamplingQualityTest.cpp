@@ -1,0 +1,116 @@
+// What the resampler does to a sine: level, purity, delay.
+#include <cmath>
+
+#include "tests/plugins/soxr/PluginUnderTest.h"
+
+namespace {
+
+const double kTurn = 2 * std::acos(-1.0);
+
+// a * sin(wt) + b * cos(wt) + c, fitted by least squares, and the RMS of what is left.
+struct SFit {
+    double m_nAmplitude;
+    double m_nPhase;
+    double m_nResidue;
+};
+
+// Cramer's rule.
+double Determinant(const double (&m)[3][3]) {
+    return m[0][0] * (m[1][1] * m[2][2] - m[1][2] * m[2][1]) - m[0][1] * (m[1][0] * m[2][2] - m[1][2] * m[2][0]) +
+           m[0][2] * (m[1][0] * m[2][1] - m[1][1] * m[2][0]);
+}
+
+void Solve(const double (&matrix)[3][3], const double (&right)[3], double (&solution)[3]) {
+    const double whole = Determinant(matrix);
+    for (int column = 0; column < 3; ++column) {
+        double replaced[3][3];
+        for (int row = 0; row < 3; ++row) {
+            for (int other = 0; other < 3; ++other)
+                replaced[row][other] = other == column ? right[row] : matrix[row][other];
+        }
+        solution[column] = Determinant(replaced) / whole;
+    }
+}
+
+SFit FitSine(const std::vector<int>& samples, std::size_t begin, std::size_t end, double radiansPerSample) {
+    double matrix[3][3] = {};
+    double right[3] = {};
+    const auto basis = [&](std::size_t at, double(&values)[3]) {
+        values[0] = std::sin(radiansPerSample * static_cast<double>(at));
+        values[1] = std::cos(radiansPerSample * static_cast<double>(at));
+        values[2] = 1;
+    };
+    double values[3];
+    for (std::size_t at = begin; at < end; ++at) {
+        basis(at, values);
+        for (int row = 0; row < 3; ++row) {
+            right[row] += values[row] * samples[at];
+            for (int column = 0; column < 3; ++column) matrix[row][column] += values[row] * values[column];
+        }
+    }
+    double fitted[3];
+    Solve(matrix, right, fitted);
+    double squares = 0;
+    for (std::size_t at = begin; at < end; ++at) {
+        basis(at, values);
+        const double left = samples[at] - fitted[0] * values[0] - fitted[1] * values[1] - fitted[2];
+        squares += left * left;
+    }
+    return {std::hypot(fitted[0], fitted[1]), std::atan2(fitted[1], fitted[0]),
+            std::sqrt(squares / static_cast<double>(end - begin))};
+}
+
+struct SSineCase {
+    int m_nFromRate;
+    int m_nToRate;
+    double m_nFrequency;
+};
+
+SFit ResampledSine(const SSineCase& entry, double amplitude) {
+    std::vector<int> samples;
+    for (int at = 0; at < 2 * entry.m_nFromRate; ++at) {
+        samples.push_back(
+            static_cast<int>(std::lround(amplitude * std::sin(kTurn * entry.m_nFrequency * at / entry.m_nFromRate))));
+    }
+    const CPluginUnderTest plugin;
+    const auto output = Unpacked(
+        ConvertAll(plugin, Held(entry.m_nFromRate, 24, 1), Held(entry.m_nToRate, 24, 1), Packed(samples, 24)), 24);
+    // The first and the last 0.1 s hear the filter's edges.
+    const std::size_t margin = static_cast<std::size_t>(entry.m_nToRate / 10);
+    return FitSine(output, margin, output.size() - margin, kTurn * entry.m_nFrequency / entry.m_nToRate);
+}
+
+TEST(SoxrResamplingQuality, SineKeepsItsLevelItsPurityAndItsPlace) {
+    const SSineCase cases[] = {{44100, 48000, 1000},  {48000, 44100, 1000}, {44100, 96000, 997},
+                               {192000, 44100, 1000}, {8000, 48000, 1000},  {96000, 48000, 15000}};
+    const double amplitude = 0.5 * 8388608;
+    for (const SSineCase& entry : cases) {
+        const SFit fit = ResampledSine(entry, amplitude);
+        const double level = 20 * std::log10(fit.m_nAmplitude / amplitude);
+        const double purity = 20 * std::log10(fit.m_nAmplitude / std::sqrt(2.0) / fit.m_nResidue);
+        const double delay = fit.m_nPhase / (kTurn * entry.m_nFrequency / entry.m_nToRate);
+        EXPECT_NEAR(level, 0, 0.01) << entry.m_nFromRate << " to " << entry.m_nToRate;
+        EXPECT_GT(purity, 110) << entry.m_nFromRate << " to " << entry.m_nToRate;
+        EXPECT_NEAR(delay, 0, 0.01) << entry.m_nFromRate << " to " << entry.m_nToRate;
+        RecordProperty("purity_dB_" + std::to_string(entry.m_nFromRate) + "_" + std::to_string(entry.m_nToRate),
+                       std::to_string(purity));
+    }
+}
+
+TEST(SoxrResamplingQuality, OverloadSaturatesInsteadOfWrapping) {
+    // A full-scale square wave rings above full scale between its samples.
+    std::vector<int> samples;
+    for (int at = 0; at < 20000; ++at) samples.push_back(at / 40 % 2 == 0 ? 32767 : -32768);
+    const CPluginUnderTest plugin;
+    const auto output = Unpacked(ConvertAll(plugin, Held(44100, 16, 1), Held(96000, 16, 1), Packed(samples, 16)), 16);
+    EXPECT_GE(*std::max_element(output.begin(), output.end()), 32766);
+    EXPECT_LE(*std::min_element(output.begin(), output.end()), -32767);
+    // A wrapped sample would stand full scale away from its neighbours, in the middle of a half-wave.
+    for (std::size_t half = 10; half < 200; ++half) {
+        const auto middle = static_cast<std::size_t>((static_cast<double>(half) * 40 + 20) * 96000 / 44100);
+        const int sign = half % 2 == 0 ? 1 : -1;
+        for (std::size_t at = middle - 38; at < middle + 38; ++at) ASSERT_GT(output[at] * sign, 20000) << at;
+    }
+}
+
+}  // namespace
