@@ -16,7 +16,7 @@ namespace {
 
 // 0, or the errno value that opening the file for reading gave.
 int TryReading(const char* path) {
-    const int descriptor = open64(path, O_RDONLY);
+    const int descriptor = open64(path, O_RDONLY | O_CLOEXEC);
     if (descriptor == -1) return errno;
     close(descriptor);
     return 0;
@@ -87,9 +87,12 @@ bool CAudioPluginMgr::OpenRemote(const char* url, IUnknown** stream, int pass, E
     const auto handler = FetchRemote(*registry, url, static_cast<EURLType>(GetURLType(url)), localPath,
                                      status != nullptr ? &report : nullptr);
     if (!handler) return FailToOpen(stream, nullptr, status);
-    if (!OpenURLAudioFile(localPath, stream, pass, required, excluded, status)) return false;
-    if (report) *status = report.Detach();
-    return true;
+    CComPtr<IStatus> reason;
+    const bool opened =
+        OpenURLAudioFile(localPath, stream, pass, required, excluded, status != nullptr ? reason.Out() : nullptr);
+    if (!reason) reason = report;
+    if (reason) *status = reason.Detach();
+    return opened;
 }
 
 bool CAudioPluginMgr::OpenURLAudioFile(const char* url, const SWavFormat* wanted, IUnknown** stream, int pass,

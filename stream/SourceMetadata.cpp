@@ -4,6 +4,7 @@
 #include "stream/ArtistTitle.h"
 #include "stream/MetadataSettings.h"
 #include "stream/SrcConvAggregator.h"
+#include "stream/TruncateToUnsigned.h"
 
 const SMetadataSettings* g_pMetadataSettings = nullptr;
 
@@ -35,6 +36,7 @@ void CompleteFromName(const char* name, std::int32_t order, CBasicString<char>& 
 }  // namespace
 
 void CSrcConvAggregator::ObtainArtistTitle() {
+    if (!m_pInfoReader) return;
     m_strTitle = TextOrEmpty(m_pInfoReader->GetTitle());
     m_strArtist = TextOrEmpty(m_pInfoReader->GetArtist());
     if (g_pMetadataSettings == nullptr) return;
@@ -79,5 +81,5 @@ int CSrcConvAggregator::GetIndexNumber() { return m_pIndexArray ? m_pIndexArray-
 std::uint64_t CSrcConvAggregator::GetIndex(int n) {
     const std::uint64_t position = m_pIndexArray ? m_pIndexArray->GetIndex(n) : kNoIndexPoint;
     if (position == kNoIndexPoint || !m_pConvertor) return position;
-    return static_cast<std::uint64_t>(static_cast<double>(position) / static_cast<double>(m_fRateRatio));
+    return TruncateToUnsigned(static_cast<double>(position) / static_cast<double>(m_fRateRatio));
 }

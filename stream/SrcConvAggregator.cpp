@@ -16,15 +16,16 @@ bool IsConditional(unsigned long identity) { return identity == IID_IInfoReader 
 }  // namespace
 
 CSrcConvAggregator::CSrcConvAggregator(IAudioPluginMgr* manager, IUnknown** stream, const SWavFormat* wanted)
-    : m_pDecoder(*stream),
-      m_pManager(manager),
-      m_realFormat{kUnsetWavFormat, {}},
+    : m_realFormat{kUnsetWavFormat, {}},
       m_rawFormat(kUnsetWavFormat),
       m_bValid(false),
       m_fByteRatio(1.0F),
       m_fRateRatio(1.0F),
       m_pInner(nullptr),
       m_nHoldings(0) {
+    // Only in the body is the aggregator counted as alive, and plug-ins stay loaded from there on.
+    m_pManager = CComPtr<IAudioPluginMgr>(manager);
+    m_pDecoder = CComPtr<IUnknown>(*stream);
     if (!Adopt(stream)) return;
     try {
         ReadFormats(wanted);

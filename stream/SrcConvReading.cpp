@@ -1,27 +1,20 @@
 // Reading, lengths, positions and seeking of a source.
 #include <cstring>
-#include <limits>
 
 #include "com/StatusObject.h"
 #include "stream/SourceLimits.h"
 #include "stream/SrcConvAggregator.h"
+#include "stream/TruncateToUnsigned.h"
 
 namespace {
 
 // Bytes to ask of the decoder so that the converted block fits into `size`; 0 when there is no room for any.
 int DecoderRequest(int size, float byteRatio) {
-    const float request = static_cast<float>(size - kConvertorHeadroom) * byteRatio;
+    const float request = static_cast<float>(std::int64_t{size} - kConvertorHeadroom) * byteRatio;
     if (request > static_cast<float>(kConversionBufferSize)) return kConversionBufferSize;
     if (!(request >= static_cast<float>(kLargestRefusedRead + 1))) return 0;
     const int bytes = static_cast<int>(request);
     return bytes - bytes % kReadGranularity;
-}
-
-// Truncates toward zero; what lies outside the range comes out as its nearer end.
-std::uint64_t TruncateToUnsigned(float value) {
-    constexpr float kLimit = 18446744073709551616.0F;
-    if (!(value > 0.0F)) return 0;
-    return value < kLimit ? static_cast<std::uint64_t>(value) : std::numeric_limits<std::uint64_t>::max();
 }
 
 // Only the low 32 bits of frame counts take part in the scaling.

@@ -12,7 +12,10 @@ constexpr unsigned int kHoldings = 4;  // encoder, IProcess, IAudioRawWriter, IA
 }  // namespace
 
 CTargetAggregator::CTargetAggregator(IAudioPluginMgr* manager, IUnknown** stream, const SWavFormat& format)
-    : m_pEncoder(*stream), m_pManager(manager), m_inputFormat{{format, 0}, {}}, m_bValid(false), m_pInner(nullptr) {
+    : m_inputFormat{{format, 0}, {}}, m_bValid(false), m_pInner(nullptr) {
+    // Only in the body is the aggregator counted as alive, and plug-ins stay loaded from there on.
+    m_pManager = CComPtr<IAudioPluginMgr>(manager);
+    m_pEncoder = CComPtr<IUnknown>(*stream);
     m_pAggregatable = CComPtr<IAggregatable>::Query(*stream, IID_IAggregatable);
     m_pProcess = CComPtr<IProcess>::Query(*stream, IID_IProcess);
     m_pWriter = CComPtr<IAudioRawWriter>::Query(*stream, IID_IAudioRawWriter);
@@ -53,7 +56,7 @@ bool CTargetAggregator::StartEncoder(IStatus** status) {
     if (accepted != m_inputFormat.m_held) {
         // The factory is lent, yet released here: one reference less of it for every converting Start, as hosts expect.
         IConvertorFactory* lent = nullptr;
-        m_pManager->GetConvertor(&lent);
+        if (m_pManager) m_pManager->GetConvertor(&lent);
         factory = CComPtr<IConvertorFactory>::Adopt(lent);
         if (!CreateConvertor(lent, accepted, status)) {
             m_pConvertor.Reset();
