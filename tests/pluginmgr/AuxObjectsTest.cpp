@@ -1,0 +1,91 @@
+// The table of auxiliary objects.
+#include <gtest/gtest.h>
+
+#include "tests/pluginmgr/Manager.h"
+
+namespace {
+
+class CObject : public IUnknown {
+public:
+    unsigned int AddRef() override { return ++m_nReferences; }
+    unsigned int Release() override { return --m_nReferences; }
+    int QueryInterface(unsigned long, void** face) override {
+        *face = nullptr;
+        return kInterfaceMissing;
+    }
+
+    unsigned int m_nReferences = 1;
+};
+
+class AuxObjects : public testing::Test {
+protected:
+    CComPtr<CAudioPluginMgr> m_manager = ObtainManager();
+    CObject m_a;
+    CObject m_b;
+    int m_firstKey = 0;
+    int m_secondKey = 0;
+};
+
+TEST_F(AuxObjects, KeepTheFirstObjectOfAKey) {
+    EXPECT_TRUE(m_manager->AttachAuxObject(&m_firstKey, &m_a));
+    EXPECT_FALSE(m_manager->AttachAuxObject(&m_firstKey, &m_b));
+    IUnknown* found = nullptr;
+    EXPECT_TRUE(m_manager->GetAuxObject(&m_firstKey, &found));
+    EXPECT_EQ(found, &m_a);
+    EXPECT_EQ(m_a.m_nReferences, 3U);
+    EXPECT_EQ(m_b.m_nReferences, 1U);
+}
+
+TEST_F(AuxObjects, AreReleasedWhenDetachedAndLeaveTheOthers) {
+    m_manager->AttachAuxObject(&m_firstKey, &m_a);
+    m_manager->AttachAuxObject(&m_secondKey, &m_b);
+    EXPECT_TRUE(m_manager->DetachAuxObject(&m_firstKey));
+    EXPECT_EQ(m_a.m_nReferences, 1U);
+    EXPECT_EQ(m_b.m_nReferences, 2U);
+    CComPtr<IUnknown> found;
+    EXPECT_TRUE(m_manager->GetAuxObject(&m_secondKey, found.Out()));
+    EXPECT_EQ(found.Get(), &m_b);
+    EXPECT_FALSE(m_manager->GetAuxObject(&m_firstKey, nullptr));
+}
+
+TEST_F(AuxObjects, AnExistenceTestChangesNoCount) {
+    m_manager->AttachAuxObject(&m_firstKey, &m_a);
+    EXPECT_TRUE(m_manager->GetAuxObject(&m_firstKey, nullptr));
+    EXPECT_EQ(m_a.m_nReferences, 2U);
+}
+
+TEST_F(AuxObjects, AnUnknownKeyIsFalseAndLeavesTheOutPointer) {
+    IUnknown* found = &m_b;
+    EXPECT_FALSE(m_manager->DetachAuxObject(&m_firstKey));
+    EXPECT_FALSE(m_manager->GetAuxObject(&m_firstKey, &found));
+    EXPECT_EQ(found, &m_b);
+}
+
+TEST_F(AuxObjects, ANullObjectOccupiesItsKey) {
+    EXPECT_TRUE(m_manager->AttachAuxObject(&m_firstKey, nullptr));
+    EXPECT_FALSE(m_manager->AttachAuxObject(&m_firstKey, &m_a));
+    IUnknown* found = &m_b;
+    EXPECT_TRUE(m_manager->GetAuxObject(&m_firstKey, &found));
+    EXPECT_EQ(found, nullptr);
+    EXPECT_TRUE(m_manager->DetachAuxObject(&m_firstKey));
+    EXPECT_TRUE(m_manager->AttachAuxObject(&m_firstKey, &m_a));
+}
+
+TEST_F(AuxObjects, AreReleasedOnceAtTheManagersEnd) {
+    m_manager->AttachAuxObject(&m_firstKey, &m_a);
+    m_manager->AttachAuxObject(&m_secondKey, &m_b);
+    m_manager.Reset();
+    EXPECT_EQ(m_a.m_nReferences, 1U);
+    EXPECT_EQ(m_b.m_nReferences, 1U);
+}
+
+TEST_F(AuxObjects, SurviveUnloading) {
+    m_manager->AttachAuxObject(&m_firstKey, &m_a);
+    m_manager->SetPluginDirectory("/no/such/directory");
+    m_manager->LoadPlugins();
+    EXPECT_TRUE(m_manager->UnloadPlugins());
+    EXPECT_TRUE(m_manager->GetAuxObject(&m_firstKey, nullptr));
+    EXPECT_EQ(m_a.m_nReferences, 2U);
+}
+
+}  // namespace

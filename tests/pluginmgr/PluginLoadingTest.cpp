@@ -1,0 +1,450 @@
+// Discovery, loading and unloading of plug-ins, with real shared objects.
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <stdexcept>
+#include <thread>
+
+#include "com/InterfaceIds.h"
+#include "stream/LiveAggregators.h"
+#include "tests/pluginmgr/Manager.h"
+#include "tests/pluginmgr/PluginDirectory.h"
+
+// Present only under a leak checker.
+extern "C" void __lsan_disable() __attribute__((weak));
+extern "C" void __lsan_enable() __attribute__((weak));
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+// Loads from `plugins` for the length of a test.
+class CLoadedManager {
+public:
+    explicit CLoadedManager(const CPluginDirectory& plugins) : m_manager(ObtainManager()) {
+        m_manager->SetPluginDirectory(plugins.Path().c_str());
+        EXPECT_TRUE(m_manager->LoadPlugins());
+    }
+    ~CLoadedManager() { m_manager->UnloadPlugins(); }
+
+    CAudioPluginMgr* operator->() const { return m_manager.Get(); }
+    CAudioPluginMgr& operator*() const { return *m_manager; }
+
+private:
+    CComPtr<CAudioPluginMgr> m_manager;
+};
+
+// A factory that the host owns.
+class CHostFactory : public IConvertorFactory {
+public:
+    unsigned int AddRef() override { return static_cast<unsigned int>(++m_nReferences); }
+    unsigned int Release() override { return static_cast<unsigned int>(--m_nReferences); }
+    int QueryInterface(unsigned long, void** face) override {
+        *face = nullptr;
+        return kInterfaceMissing;
+    }
+    void ReservedFirst() override {}
+    bool CreateConvertor(const SWavFormat*, const SWavFormat*, IAudioConvertor**, IStatus**) override { return false; }
+
+    int m_nReferences = 0;
+};
+
+bool IsMapped(const std::string& path) {
+    std::ifstream maps("/proc/self/maps");
+    const std::string text((std::istreambuf_iterator<char>(maps)), {});
+    return text.find(path) != std::string::npos;
+}
+
+bool IsCreationLockFree() {
+    int locked = 0;
+    std::thread([&] {
+        locked = m_sectPMCreation.Lock(0);
+        if (locked != 0) m_sectPMCreation.Unlock();
+    }).join();
+    return locked != 0;
+}
+
+TEST(LoadPlugins, RegistersInitialisesTerminatesAndUnloads) {
+    const CPluginDirectory plugins({"decoder"});
+    const auto manager = ObtainManager();
+    EXPECT_TRUE(manager->SetPluginDirectory(plugins.Path().c_str()));
+    EXPECT_TRUE(manager->LoadPlugins());
+    EXPECT_EQ(ComponentNames(*manager), Lines{"decoder"});
+    EXPECT_EQ(plugins.Log(), Lines{"decoder initialised"});
+    EXPECT_TRUE(IsMapped(plugins.File("decoder.so")));
+
+    plugins.ClearLog();
+    EXPECT_TRUE(manager->UnloadPlugins());
+    EXPECT_EQ(plugins.Log(), (Lines{"decoder asked", "decoder terminated", "decoder released", "decoder unloaded"}));
+    EXPECT_EQ(manager->GetCount(), 0);
+    EXPECT_FALSE(IsMapped(plugins.File("decoder.so")));
+}
+
+TEST(LoadPlugins, ScansTheCurrentDirectoryWhenNoneIsSet) {
+    const CPluginDirectory plugins({"decoder"});
+    std::filesystem::current_path(plugins.Path());
+    const auto manager = ObtainManager();
+    EXPECT_TRUE(manager->LoadPlugins());
+    EXPECT_EQ(ComponentNames(*manager), Lines{"decoder"});
+    EXPECT_FALSE(manager->SetPluginDirectory("/elsewhere"));
+    EXPECT_TRUE(manager->UnloadPlugins());
+    EXPECT_TRUE(manager->SetPluginDirectory("/elsewhere"));
+}
+
+TEST(LoadPlugins, CountsLoadsAndUnloadsAtTheLast) {
+    const CPluginDirectory plugins({"decoder"});
+    const auto manager = ObtainManager();
+    manager->SetPluginDirectory(plugins.Path().c_str());
+    EXPECT_TRUE(manager->LoadPlugins());
+    plugins.ClearLog();
+    EXPECT_TRUE(manager->LoadPlugins());
+    EXPECT_TRUE(plugins.Log().empty());
+    EXPECT_TRUE(manager->UnloadPlugins());
+    EXPECT_EQ(manager->GetCount(), 1);
+    EXPECT_FALSE(manager->SetPluginDirectory("/elsewhere"));
+    EXPECT_TRUE(manager->UnloadPlugins());
+    EXPECT_EQ(manager->GetCount(), 0);
+    EXPECT_FALSE(manager->UnloadPlugins());
+}
+
+TEST(LoadPlugins, LoadsAgainAfterUnloading) {
+    const CPluginDirectory plugins({"collection", "decoder"});
+    const auto manager = ObtainManager();
+    manager->SetPluginDirectory(plugins.Path().c_str());
+    for (int round = 0; round < 3; ++round) {
+        manager->LoadPlugins();
+        ASSERT_EQ(manager->GetCount(), 5);
+        for (int i = 0; i < 5; ++i) {
+            CComPtr<IAudioComponent> component;
+            manager->GetComponent(i, component.Out());
+            COMPONENT_INFO info;
+            EXPECT_TRUE(manager->GetComponentInfo(component.Get(), &info));
+            const bool alone = std::string(component->GetName()) == "decoder";
+            EXPECT_STREQ(info.m_strLibraryFileName.GetText(), alone ? "decoder.so" : "collection.so");
+        }
+        EXPECT_TRUE(manager->UnloadPlugins());
+    }
+}
+
+TEST(LoadPlugins, RestoresTheCurrentDirectory) {
+    const CPluginDirectory plugins({"decoder"});
+    const auto before = std::filesystem::current_path();
+    const CLoadedManager manager(plugins);
+    EXPECT_EQ(std::filesystem::current_path(), before);
+}
+
+TEST(LoadPlugins, FollowsARelativeDirectory) {
+    const CPluginDirectory plugins({"decoder"});
+    std::filesystem::current_path(std::filesystem::path(plugins.Path()).parent_path());
+    const auto manager = ObtainManager();
+    manager->SetPluginDirectory("plugins");
+    manager->LoadPlugins();
+    EXPECT_EQ(manager->GetCount(), 1);
+    EXPECT_TRUE(IsMapped(plugins.File("decoder.so")));
+    EXPECT_TRUE(manager->UnloadPlugins());
+}
+
+TEST(LoadPlugins, LoadsNothingFromADirectoryThatCannotBeEntered) {
+    const CPluginDirectory plugins({"decoder"});
+    std::filesystem::current_path(plugins.Path());
+    const auto manager = ObtainManager();
+    manager->SetPluginDirectory("/no/such/directory");
+    EXPECT_TRUE(manager->LoadPlugins());
+    EXPECT_EQ(manager->GetCount(), 0);
+    EXPECT_FALSE(manager->SetPluginDirectory("/elsewhere"));
+    EXPECT_TRUE(manager->UnloadPlugins());
+}
+
+TEST(LoadPlugins, LoadsNothingFromAnEmptyDirectory) {
+    const CPluginDirectory plugins({});
+    const CLoadedManager manager(plugins);
+    EXPECT_EQ(manager->GetCount(), 0);
+    EXPECT_TRUE(manager->CanUnloadPlugins());
+}
+
+TEST(LoadPlugins, LooksOnlyAtNamesThatMatch) {
+    const CPluginDirectory plugins({"decoder"});
+    plugins.Add("encoder", "encoder.dll");
+    plugins.Add("encoder", ".so");
+    const CLoadedManager manager(plugins);
+    EXPECT_EQ(ComponentNames(*manager), Lines{"decoder"});
+}
+
+TEST(LoadPlugins, MatchesNamesWithoutRegardToCaseAndByPrefix) {
+    const CPluginDirectory plugins({});
+    plugins.Add("decoder", "DECODER.SO");
+    plugins.Add("encoder", "encoder.so.1");
+    const CLoadedManager manager(plugins);
+    Lines names = ComponentNames(*manager);
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(names, (Lines{"decoder", "encoder"}));
+}
+
+TEST(LoadPlugins, SkipsATextFileADirectoryAndADanglingLink) {
+    const CPluginDirectory plugins({"decoder"});
+    std::ofstream(plugins.File("text.so")) << "not a shared object\n";
+    std::filesystem::create_directory(plugins.File("directory.so"));
+    std::filesystem::create_symlink("nowhere", plugins.File("link.so"));
+    const CLoadedManager manager(plugins);
+    EXPECT_EQ(ComponentNames(*manager), Lines{"decoder"});
+}
+
+TEST(LoadPlugins, SkipsAPluginWithAnUnresolvedSymbol) {
+    const CPluginDirectory plugins({"unresolved", "decoder"});
+    const CLoadedManager manager(plugins);
+    EXPECT_EQ(ComponentNames(*manager), Lines{"decoder"});
+}
+
+TEST(LoadPlugins, SkipsAndClosesAPluginThatLacksAnEntry) {
+    const CPluginDirectory plugins({"lacks_ready", "lacks_primary", "decoder"});
+    const CLoadedManager manager(plugins);
+    EXPECT_EQ(ComponentNames(*manager), Lines{"decoder"});
+    EXPECT_FALSE(IsMapped(plugins.File("lacks_ready.so")));
+    EXPECT_FALSE(IsMapped(plugins.File("lacks_primary.so")));
+}
+
+class LibrariesWithoutComponent : public testing::TestWithParam<const char*> {};
+
+TEST_P(LibrariesWithoutComponent, StayLoadedAndAreAskedBeforeUnloading) {
+    const std::string name = GetParam();
+    const CPluginDirectory plugins({GetParam()});
+    const auto manager = ObtainManager();
+    manager->SetPluginDirectory(plugins.Path().c_str());
+    manager->LoadPlugins();
+    EXPECT_EQ(manager->GetCount(), 0);
+    EXPECT_TRUE(IsMapped(plugins.File(name + ".so")));
+    EXPECT_TRUE(manager->UnloadPlugins());
+    EXPECT_EQ(plugins.Log(), Lines{name + " asked"});
+    EXPECT_FALSE(IsMapped(plugins.File(name + ".so")));
+}
+
+INSTANTIATE_TEST_SUITE_P(PluginLoading, LibrariesWithoutComponent,
+                         testing::Values("null_primary", "refuses_primary", "primary_throws_int"),
+                         [](const auto& name) { return std::string(name.param); });
+
+TEST(LoadPlugins, AnIntDuringRegistrationRejectsThePluginAndForgetsItsComponents) {
+    const CPluginDirectory plugins({"type_throws_int", "decoder"});
+    const CLoadedManager manager(plugins);
+    EXPECT_EQ(ComponentNames(*manager), Lines{"decoder"});
+    EXPECT_FALSE(IsMapped(plugins.File("type_throws_int.so")));
+    const Lines log = plugins.Log();
+    EXPECT_NE(std::find(log.begin(), log.end(), "type_throws_int unloaded"), log.end());
+}
+
+TEST(LoadPlugins, AnotherExceptionPassesWithTheCreationLockStillHeld) {
+    const CPluginDirectory plugins({"primary_throws_exception"});
+    const auto manager = ObtainManager();
+    manager->SetPluginDirectory(plugins.Path().c_str());
+    EXPECT_TRUE(IsCreationLockFree());
+    EXPECT_THROW(manager->LoadPlugins(), std::runtime_error);
+    EXPECT_FALSE(IsCreationLockFree());
+    EXPECT_FALSE(manager->UnloadPlugins());
+    m_sectPMCreation.Unlock();
+
+    // The plug-in is not closed while its exception may still be alive; the next load and unload closes it.
+    EXPECT_TRUE(IsMapped(plugins.File("primary_throws_exception.so")));
+    std::filesystem::remove(plugins.File("primary_throws_exception.so"));
+    EXPECT_TRUE(manager->LoadPlugins());
+    EXPECT_TRUE(manager->UnloadPlugins());
+    EXPECT_FALSE(IsMapped(plugins.File("primary_throws_exception.so")));
+}
+
+TEST(LoadPlugins, AnExceptionOfAnInitialisationPassesWithTheCreationLockStillHeld) {
+    const CPluginDirectory plugins({"initialize_throws"});
+    const auto manager = ObtainManager();
+    manager->SetPluginDirectory(plugins.Path().c_str());
+    EXPECT_THROW(manager->LoadPlugins(), std::runtime_error);
+    EXPECT_FALSE(IsCreationLockFree());
+    m_sectPMCreation.Unlock();
+
+    std::filesystem::remove(plugins.File("initialize_throws.so"));
+    EXPECT_THROW(manager->LoadPlugins(), std::runtime_error);
+    m_sectPMCreation.Unlock();
+}
+
+TEST(LoadPlugins, DropsAComponentThatRefusesToInitialiseAndReleasesItsStatus) {
+    const CPluginDirectory plugins({"initialize_fails", "collection"});
+    const CLoadedManager manager(plugins);
+    EXPECT_EQ(manager->GetCount(), 4);
+    const Lines log = plugins.Log();
+    EXPECT_EQ(std::count(log.begin(), log.end(), "refusing released"), 1);
+    EXPECT_EQ(std::count(log.begin(), log.end(), "status released"), 1);
+    EXPECT_EQ(std::count(log.begin(), log.end(), "refusing terminated"), 0);
+}
+
+TEST(LoadPlugins, KeepsIdentitiesWithTheirComponentsWhenOneIsDropped) {
+    const CPluginDirectory plugins({"initialize_fails", "collection", "decoder"});
+    const CLoadedManager manager(plugins);
+    for (int i = 0; i < manager->GetCount(); ++i) {
+        CComPtr<IAudioComponent> component;
+        manager->GetComponent(i, component.Out());
+        COMPONENT_INFO info;
+        ASSERT_TRUE(manager->GetComponentInfo(component.Get(), &info));
+        const bool alone = std::string(component->GetName()) == "decoder";
+        EXPECT_STREQ(info.m_strLibraryFileName.GetText(), alone ? "decoder.so" : "collection.so");
+    }
+}
+
+TEST(LoadPlugins, LetsComponentsReadTheHostsNamesWhileTheyInitialise) {
+    const CPluginDirectory plugins({"reads_profile"});
+    const auto manager = ObtainManager();
+    manager->SetVendor("Vendor", nullptr);
+    manager->SetProduct("Product", nullptr);
+    manager->SetPluginDirectory(plugins.Path().c_str());
+    manager->LoadPlugins();
+    EXPECT_EQ(plugins.Log().front(), "Vendor/Product");
+    manager->UnloadPlugins();
+}
+
+TEST(LoadPlugins, TakesTheFirstConvertorOfTheRegistryAsFactory) {
+    const CPluginDirectory plugins({});
+    plugins.Add("convertor", "a.so");
+    plugins.Add("convertor", "b.so");
+    const CLoadedManager manager(plugins);
+    ASSERT_EQ(manager->GetCount(), 2);
+    CComPtr<IAudioComponent> first;
+    manager->GetComponent(0, first.Out());
+    void* face = nullptr;
+    first->QueryInterface(IID_IConvertorFactory, &face);
+    static_cast<IConvertorFactory*>(face)->Release();
+    IConvertorFactory* factory = nullptr;
+    EXPECT_TRUE(manager->GetConvertor(&factory));
+    EXPECT_EQ(factory, face);
+}
+
+TEST(LoadPlugins, KeepsTheHostsFactoryBeforeAnyConvertorPlugin) {
+    const CPluginDirectory plugins({"convertor"});
+    CHostFactory own;
+    const auto manager = ObtainManager();
+    manager->SetConvertor(&own, nullptr);
+    manager->SetPluginDirectory(plugins.Path().c_str());
+    manager->LoadPlugins();
+    IConvertorFactory* factory = nullptr;
+    manager->GetConvertor(&factory);
+    EXPECT_EQ(factory, &own);
+    EXPECT_EQ(own.m_nReferences, 1);
+    EXPECT_TRUE(manager->UnloadPlugins());
+}
+
+TEST(UnloadPlugins, ReleasesTheHostsFactoryAtTheLastUnload) {
+    const CPluginDirectory plugins({});
+    CHostFactory own;
+    const auto manager = ObtainManager();
+    manager->SetConvertor(&own, nullptr);
+    manager->SetPluginDirectory(plugins.Path().c_str());
+    manager->LoadPlugins();
+    manager->LoadPlugins();
+    EXPECT_TRUE(manager->UnloadPlugins());
+    EXPECT_EQ(own.m_nReferences, 1);
+    EXPECT_TRUE(manager->UnloadPlugins());
+    EXPECT_EQ(own.m_nReferences, 0);
+    IConvertorFactory* factory = &own;
+    EXPECT_TRUE(manager->GetConvertor(&factory));
+    EXPECT_EQ(factory, nullptr);
+}
+
+TEST(LoadPlugins, AsksOnlyTheFirstURLHandlerForItsService) {
+    const CPluginDirectory plugins({});
+    plugins.Add("url_handler", "a.so");
+    plugins.Add("url_handler", "b.so");
+    const CLoadedManager manager(plugins);
+    const Lines log = plugins.Log();
+    EXPECT_EQ(std::count(log.begin(), log.end(), "url handler asked for its handler"), 1);
+}
+
+TEST(CanUnloadPlugins, IsFalseWithNothingLoaded) {
+    const auto manager = ObtainManager();
+    EXPECT_FALSE(manager->CanUnloadPlugins());
+    EXPECT_FALSE(manager->UnloadPlugins());
+}
+
+TEST(CanUnloadPlugins, AsksNoPluginWhileAnAggregatorIsAlive) {
+    const CPluginDirectory plugins({"decoder"});
+    const CLoadedManager manager(plugins);
+    plugins.ClearLog();
+    pthread_mutex_lock(&g_AggregatorsMutex);
+    ++g_lAggregators;
+    pthread_mutex_unlock(&g_AggregatorsMutex);
+    EXPECT_FALSE(manager->CanUnloadPlugins());
+    EXPECT_FALSE(manager->UnloadPlugins());
+    EXPECT_TRUE(plugins.Log().empty());
+    EXPECT_EQ(manager->GetCount(), 1);
+    pthread_mutex_lock(&g_AggregatorsMutex);
+    --g_lAggregators;
+    pthread_mutex_unlock(&g_AggregatorsMutex);
+    EXPECT_TRUE(manager->CanUnloadPlugins());
+    EXPECT_EQ(plugins.Log(), Lines{"decoder asked"});
+}
+
+TEST(CanUnloadPlugins, IsFalseWhileAPluginIsNotReady) {
+    const CPluginDirectory plugins({"not_ready"});
+    const std::string busy = plugins.Path() + "/busy";
+    setenv("KELO_FIXTURE_BUSY", busy.c_str(), 1);
+    const CLoadedManager manager(plugins);
+    std::ofstream(busy) << "x";
+    EXPECT_FALSE(manager->CanUnloadPlugins());
+    EXPECT_FALSE(manager->UnloadPlugins());
+    EXPECT_FALSE(manager->SetPluginDirectory("/elsewhere"));
+    std::filesystem::remove(busy);
+    EXPECT_TRUE(manager->CanUnloadPlugins());
+}
+
+TEST(CanUnloadPlugins, AnIntOfAPluginCountsAsNotReady) {
+    const CPluginDirectory plugins({"ready_throws_int"});
+    const CLoadedManager manager(plugins);
+    EXPECT_FALSE(manager->CanUnloadPlugins());
+    EXPECT_TRUE(IsCreationLockFree());
+}
+
+TEST(CanUnloadPlugins, GivesUpItsOwnReferencesWhilePluginsAreAskedAndTakesThemBack) {
+    const CPluginDirectory plugins({"convertor"});
+    const CLoadedManager manager(plugins);
+    plugins.ClearLog();
+    EXPECT_TRUE(manager->CanUnloadPlugins());
+    EXPECT_EQ(plugins.Log(), (Lines{"convertor count 1", "convertor asked", "convertor count 2"}));
+    IConvertorFactory* factory = nullptr;
+    manager->GetConvertor(&factory);
+    EXPECT_NE(factory, nullptr);
+}
+
+TEST(CanUnloadPlugins, GivesUpTheURLHandlerAsWell) {
+    const CPluginDirectory plugins({"url_handler"});
+    const CLoadedManager manager(plugins);
+    plugins.ClearLog();
+    EXPECT_TRUE(manager->CanUnloadPlugins());
+    EXPECT_EQ(plugins.Log(), (Lines{"url handler count 1", "url handler count 2"}));
+}
+
+TEST(UnloadPlugins, ReleasesTheFactoryBeforeItTerminatesTheComponents) {
+    const CPluginDirectory plugins({"convertor"});
+    const auto manager = ObtainManager();
+    manager->SetPluginDirectory(plugins.Path().c_str());
+    manager->LoadPlugins();
+    plugins.ClearLog();
+    EXPECT_TRUE(manager->UnloadPlugins());
+    EXPECT_EQ(plugins.Log(), (Lines{"convertor count 1", "convertor asked", "convertor count 2", "convertor count 1",
+                                    "convertor terminated", "convertor released", "convertor count 0"}));
+}
+
+TEST(UnloadPlugins, LeavesTheCreationLockFree) {
+    const CPluginDirectory plugins({"decoder"});
+    { const CLoadedManager manager(plugins); }
+    EXPECT_TRUE(IsCreationLockFree());
+}
+
+TEST(DestroyedManager, LeavesPluginsLoaded) {
+    const CPluginDirectory plugins({"decoder"});
+    if (__lsan_disable != nullptr) __lsan_disable();  // the library objects are left behind on purpose
+    {
+        const auto manager = ObtainManager();
+        manager->SetPluginDirectory(plugins.Path().c_str());
+        manager->LoadPlugins();
+        plugins.ClearLog();
+    }
+    if (__lsan_enable != nullptr) __lsan_enable();
+    EXPECT_TRUE(plugins.Log().empty());
+    EXPECT_TRUE(IsMapped(plugins.File("decoder.so")));
+}
+
+}  // namespace

@@ -1,0 +1,163 @@
+// The manager's tables of operations, read slot by slot from a live object.
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include "com/InterfaceIds.h"
+#include "tests/pluginmgr/Manager.h"
+
+namespace {
+
+using Table = void* const*;
+
+Table TableOf(const void* face) { return *static_cast<Table const*>(face); }
+
+void* Exported(const char* symbol) { return dlsym(RTLD_DEFAULT, symbol); }
+
+constexpr const char* kPrimarySlots[] = {
+    "_ZN15CAudioPluginMgr6AddRefEv",
+    "_ZN15CAudioPluginMgr7ReleaseEv",
+    "_ZN15CAudioPluginMgr14QueryInterfaceEmPPv",
+    "_ZN15CAudioPluginMgr18SetPluginDirectoryEPKc",
+    "_ZN15CAudioPluginMgr18SetImagesDirectoryEPKc",
+    "_ZN15CAudioPluginMgr18GetImagesDirectoryEv",
+    "_ZN15CAudioPluginMgr11LoadPluginsEv",
+    "_ZN15CAudioPluginMgr16CanUnloadPluginsEv",
+    "_ZN15CAudioPluginMgr13UnloadPluginsEv",
+    "_ZN15CAudioPluginMgr12SetConvertorEP17IConvertorFactoryPP7IStatus",
+    "_ZN15CAudioPluginMgr12GetConvertorEPP17IConvertorFactory",
+    "_ZN15CAudioPluginMgr24GetUnsupportedComponentsEPP14IComponentEnum",
+    "_ZN15CAudioPluginMgr9SendEventEjP8IUnknown",
+    "_ZN15CAudioPluginMgr17SubscribeToEventsEP14IEventReceiver",
+    "_ZN15CAudioPluginMgr19UnsubscribeToEventsEP14IEventReceiver",
+    "_ZN15CAudioPluginMgr16OpenURLAudioFileEPKcPK10SWavFormatPP8IUnknowni9EAuxFlagsS8_PP7IStatus",
+    "_ZN15CAudioPluginMgr20CreateURLAudioTargetEP22IURLAudioTargetFactoryPP8IUnknownRK10SWavFormatPP7IStatus",
+    "_ZN15CAudioPluginMgr15AttachAuxObjectEPvP8IUnknown",
+    "_ZN15CAudioPluginMgr15DetachAuxObjectEPv",
+    "_ZN15CAudioPluginMgr12GetAuxObjectEPvPP8IUnknown",
+    "_ZN15CAudioPluginMgrD1Ev",
+    "_ZN15CAudioPluginMgrD0Ev",
+    "_ZN15CAudioPluginMgr8GetCountEv",
+    "_ZN15CAudioPluginMgr12GetComponentEiPP15IAudioComponent",
+    "_ZN15CAudioPluginMgr9SetVendorEPKcPP7IStatus",
+    "_ZN15CAudioPluginMgr9GetVendorEv",
+    "_ZN15CAudioPluginMgr10SetProductEPKcPP7IStatus",
+    "_ZN15CAudioPluginMgr10GetProductEv",
+    "_ZN15CAudioPluginMgr9ConfigureEv",
+    "_ZN15CAudioPluginMgr16GetComponentInfoEP15IAudioComponentP14COMPONENT_INFO",
+    "_ZN15CAudioPluginMgr3SetEPP15IAudioComponenti",
+    "_ZN15CAudioPluginMgr3GetE19EAudioComponentTypePP14IComponentEnum",
+    "_ZN15CAudioPluginMgr12SetAppWindowEP10_GtkWindow",
+    "_ZN15CAudioPluginMgr12GetAppWindowEv",
+    "_ZN15CAudioPluginMgr11IsSupportedE13EAudioFeature",
+    "_ZN15CAudioPluginMgr13EnableSupportE13EAudioFeatureb",
+    "_ZN15CAudioPluginMgr12AddComponentEP15IAudioComponentPKci",
+    "_ZN15CAudioPluginMgr13DoLoadPluginsEv",
+    "_ZN15CAudioPluginMgr17GetReceiverNumberEP14IEventReceiver",
+    "_ZN15CAudioPluginMgr10GetURLTypeEPKc",
+    "_ZN15CAudioPluginMgr20GetComponentStringIDEP15IAudioComponent",
+    "_ZN15CAudioPluginMgr16OpenURLAudioFileEPKcPP8IUnknowni9EAuxFlagsS5_PP7IStatus",
+};
+
+TEST(ManagerSlots, OfThePrimaryFaceStandInOrder) {
+    const auto manager = ObtainManager();
+    IAudioPluginMgr* const primary = manager.Get();
+    const Table table = TableOf(primary);
+    int slot = 0;
+    for (const char* const symbol : kPrimarySlots) {
+        ASSERT_NE(Exported(symbol), nullptr) << symbol;
+        EXPECT_EQ(table[slot], Exported(symbol)) << "slot " << slot << ": " << symbol;
+        ++slot;
+    }
+}
+
+// A secondary face is called through its slots as a separately built host would do.
+template <typename TResult, typename... TArguments>
+TResult CallSlot(void* face, int slot, TArguments... arguments) {
+    using Operation = TResult (*)(void*, TArguments...);
+    return reinterpret_cast<Operation>(TableOf(face)[slot])(face, arguments...);
+}
+
+class SecondaryFaces : public testing::Test {
+protected:
+    void* Face(unsigned long identity) {
+        void* face = nullptr;
+        m_manager->QueryInterface(identity, &face);
+        return face;
+    }
+    void TearDown() override {
+        while (m_manager->AddRef() > 2) {
+            m_manager->Release();
+            m_manager->Release();
+        }
+        m_manager->Release();
+    }
+
+    CComPtr<CAudioPluginMgr> m_manager = ObtainManager();
+};
+
+TEST_F(SecondaryFaces, BeginWithTheThreeCommonOperations) {
+    for (const unsigned long identity : {16UL, 19UL, 33UL, 64UL, 65UL, 63UL, 45UL}) {
+        void* const face = Face(identity);
+        EXPECT_EQ(CallSlot<unsigned int>(face, 0), 3U) << identity;
+        EXPECT_EQ(CallSlot<unsigned int>(face, 1), 2U) << identity;
+        void* other = nullptr;
+        EXPECT_EQ((CallSlot<int, unsigned long, void**>(face, 2, 19, &other)), 0) << identity;
+        EXPECT_EQ(other, static_cast<IProfile*>(m_manager.Get()));
+        m_manager->Release();
+        m_manager->Release();
+    }
+}
+
+TEST_F(SecondaryFaces, ComponentEnumHasCountThenComponent) {
+    void* const face = Face(16);
+    EXPECT_EQ(CallSlot<int>(face, 3), 0);
+    IAudioComponent* component = nullptr;
+    EXPECT_FALSE((CallSlot<bool, int, IAudioComponent**>(face, 4, 0, &component)));
+}
+
+TEST_F(SecondaryFaces, ProfileHasVendorThenProduct) {
+    void* const face = Face(19);
+    EXPECT_TRUE((CallSlot<bool, const char*, IStatus**>(face, 3, "vendor", nullptr)));
+    EXPECT_STREQ(CallSlot<const char*>(face, 4), "vendor");
+    EXPECT_TRUE((CallSlot<bool, const char*, IStatus**>(face, 5, "product", nullptr)));
+    EXPECT_STREQ(CallSlot<const char*>(face, 6), "product");
+}
+
+TEST_F(SecondaryFaces, InternalHasComponentInfo) {
+    COMPONENT_INFO info;
+    EXPECT_FALSE((CallSlot<bool, IAudioComponent*, COMPONENT_INFO*>(Face(64), 3, nullptr, &info)));
+}
+
+TEST_F(SecondaryFaces, ComponentOrderHasSetThenGet) {
+    void* const face = Face(65);
+    EXPECT_FALSE((CallSlot<bool, IAudioComponent**, int>(face, 3, nullptr, 0)));
+    IComponentEnum* components = nullptr;
+    EXPECT_TRUE((CallSlot<bool, EAudioComponentType, IComponentEnum**>(face, 4, ACT_DECODER, &components)));
+    ASSERT_NE(components, nullptr);
+    EXPECT_EQ(components->Release(), 0U);
+}
+
+TEST_F(SecondaryFaces, AppWindowHasSetThenGet) {
+    void* const face = Face(63);
+    CallSlot<void, _GtkWindow*>(face, 3, nullptr);
+    EXPECT_EQ(CallSlot<_GtkWindow*>(face, 4), nullptr);
+}
+
+TEST_F(SecondaryFaces, FeatureSupportHasIsSupportedThenEnableSupport) {
+    void* const face = Face(45);
+    EXPECT_FALSE((CallSlot<bool, EAudioFeature>(face, 3, AF_BASIC)));
+    EXPECT_TRUE((CallSlot<bool, EAudioFeature, bool>(face, 4, AF_BASIC, true)));
+    EXPECT_TRUE((CallSlot<bool, EAudioFeature>(face, 3, AF_BASIC)));
+}
+
+TEST_F(SecondaryFaces, StandSideBySideInTheOrderOfTheBases) {
+    const auto address = [](void* face) { return reinterpret_cast<std::uintptr_t>(face); };
+    const std::uintptr_t base = address(static_cast<IAudioPluginMgr*>(m_manager.Get()));
+    int place = 1;
+    for (const unsigned long identity : {16UL, 19UL, 33UL, 64UL, 65UL, 63UL, 45UL}) {
+        EXPECT_EQ(address(Face(identity)), base + 8 * static_cast<std::uintptr_t>(place)) << identity;
+        ++place;
+    }
+}
+
+}  // namespace
