@@ -1,0 +1,43 @@
+// Character-set conversion beside bare iconv, and wildcard masks.
+#include <benchmark/benchmark.h>
+#include <iconv.h>
+
+#include <string>
+
+#include "portable/CodePage.h"
+#include "portable/MatchMask.h"
+
+namespace {
+
+constexpr char kText[] = "twenty characters ab";
+constexpr unsigned int kUtf8 = 65001;
+
+}  // namespace
+
+static void BareIconv(benchmark::State& state) {
+    for (auto _ : state) {
+        wchar_t wide[64];
+        char* in = const_cast<char*>(kText);
+        char* out = reinterpret_cast<char*>(wide);
+        std::size_t inLeft = sizeof kText - 1;
+        std::size_t outLeft = sizeof wide;
+        iconv_t const descriptor = iconv_open("WCHAR_T", "UTF-8");
+        benchmark::DoNotOptimize(iconv(descriptor, &in, &inLeft, &out, &outLeft));
+        iconv_close(descriptor);
+    }
+}
+BENCHMARK(BareIconv);
+
+static void MultiByteToWideCharOfTwentyCharacters(benchmark::State& state) {
+    unsigned short wide[64];
+    for (auto _ : state) benchmark::DoNotOptimize(MultiByteToWideChar(kUtf8, 0, kText, -1, wide, 63));
+}
+BENCHMARK(MultiByteToWideCharOfTwentyCharacters);
+
+static void MatchMaskOfManyStars(benchmark::State& state) {
+    const std::string mask(30, '*');
+    const std::string name(static_cast<std::size_t>(state.range(0)), 'a');
+    for (auto _ : state) benchmark::DoNotOptimize(MatchMask((mask + 'b').c_str(), name.c_str(), 1));
+    state.SetComplexityN(state.range(0));
+}
+BENCHMARK(MatchMaskOfManyStars)->RangeMultiplier(4)->Range(64, 4096)->Complexity();
