@@ -130,22 +130,22 @@ public:
     };
 
 private:
-    void ScanPluginDirectory();
-    void LoadPluginFile(const char* path);
-    void RegisterPrimaryComponent(CAudioPluginLib& library, const char* path);
-    void DiscardLastLibrary(std::size_t componentsBefore);
-    void InitializeComponents();
-    bool InitializeComponent(IAudioComponent& component);
-    void EraseComponent(std::size_t position);
-    void RegisterMembers(IAudioComponent* collection, const char* libraryFileName);
-    std::vector<CComPtr<IAudioComponent>> ListDecoders();
-    bool SetProfileText(CBasicString<char>& member, const char* text, IStatus** status);
-    bool EnableAdvancedFormats();
-    bool OpenLocal(const char* path, IUnknown** stream, int pass, EAuxFlags required, EAuxFlags excluded,
-                   IStatus** status);
-    bool OpenRemote(const char* url, IUnknown** stream, int pass, EAuxFlags required, EAuxFlags excluded,
-                    IStatus** status);
-    std::vector<AUXOBJECT>::iterator FindAuxObject(void* key);
+    KELO_HIDDEN void ScanPluginDirectory();
+    KELO_HIDDEN void LoadPluginFile(const char* path);
+    KELO_HIDDEN void RegisterPrimaryComponent(CAudioPluginLib& library, const char* path);
+    KELO_HIDDEN void DiscardLastLibrary(std::size_t componentsBefore);
+    KELO_HIDDEN void InitializeComponents();
+    KELO_HIDDEN bool InitializeComponent(IAudioComponent& component);
+    KELO_HIDDEN void EraseComponent(std::size_t position);
+    KELO_HIDDEN void RegisterMembers(IAudioComponent* collection, const char* libraryFileName);
+    KELO_HIDDEN std::vector<CComPtr<IAudioComponent>> ListDecoders();
+    KELO_HIDDEN bool SetProfileText(CBasicString<char>& member, const char* text, IStatus** status);
+    KELO_HIDDEN bool EnableAdvancedFormats();
+    KELO_HIDDEN bool OpenLocal(const char* path, IUnknown** stream, int pass, EAuxFlags required, EAuxFlags excluded,
+                               IStatus** status);
+    KELO_HIDDEN bool OpenRemote(const char* url, IUnknown** stream, int pass, EAuxFlags required, EAuxFlags excluded,
+                                IStatus** status);
+    KELO_HIDDEN std::vector<AUXOBJECT>::iterator FindAuxObject(void* key);
 
     CReferenceCount m_references;
     CReferenceCount m_loads;

@@ -2,3 +2,6 @@
 #pragma once
 
 #define KELO_EXPORT __attribute__((visibility("default")))
+
+// A private helper of an exported class, which hosts and plug-ins never call.
+#define KELO_HIDDEN __attribute__((visibility("hidden")))

@@ -83,12 +83,11 @@ public:
     void ObtainArtistTitle();
 
 private:
-    bool Adopt(IUnknown** stream);
-    void ReadFormats(const SWavFormat* wanted);
-    void ComputeRatios();
-    bool CreateConvertor(IStatus** status);
-    bool ConvertBlock(unsigned char* buffer, int size, int* read, IStatus** status);
-    CBasicString<char> GetSourceFileName();
+    KELO_HIDDEN bool Adopt(IUnknown** stream);
+    KELO_HIDDEN void ReadFormats(const SWavFormat* wanted);
+    KELO_HIDDEN void ComputeRatios();
+    KELO_HIDDEN bool CreateConvertor(IStatus** status);
+    KELO_HIDDEN bool ConvertBlock(unsigned char* buffer, int size, int* read, IStatus** status);
 
     // Destroyed in reverse: the order in which the references are given back is part of the contract.
     CComPtr<IUnknown> m_pDecoder;

@@ -43,8 +43,8 @@ public:
     SWavFormat GetRawFormat() override;
 
 private:
-    bool StartEncoder(IStatus** status);
-    bool CreateConvertor(IConvertorFactory* factory, const SHeldWavFormat& accepted, IStatus** status);
+    KELO_HIDDEN bool StartEncoder(IStatus** status);
+    KELO_HIDDEN bool CreateConvertor(IConvertorFactory* factory, const SHeldWavFormat& accepted, IStatus** status);
 
     // Destroyed in reverse: the order in which the references are given back is part of the contract.
     CComPtr<IUnknown> m_pEncoder;
