@@ -1,0 +1,115 @@
+// Failed conversions: one line, the reason, no trace.
+#include <unistd.h>
+
+#include "tests/host/KeloAudio.h"
+
+namespace {
+
+class ConvertFailure : public CKeloAudio {};
+
+}  // namespace
+
+TEST_F(ConvertFailure, MissingInput) {
+    ExpectCleanFailure("missing.wav", "out.wav", {"missing.wav: No such file or directory"});
+}
+
+TEST_F(ConvertFailure, DirectoryAsInput) {
+    std::filesystem::create_directory(InWork("folder.wav"));
+    ExpectCleanFailure("folder.wav", "out.wav", {"folder.wav: Is a directory"});
+}
+
+TEST_F(ConvertFailure, EmptyInput) {
+    m_scratch.Write("work/empty.wav", "");
+    ExpectCleanFailure("empty.wav", "out.wav", {"empty.wav: the file is empty"});
+}
+
+TEST_F(ConvertFailure, WavCutInsideItsHeader) {
+    m_scratch.Write("work/cut.wav", ReadWholeFile(kFrontCenter).substr(0, 30));
+    ExpectCleanFailure("cut.wav", "out.flac", {"keloaudio: cut.wav: ", "(asked: libsndfile Decoder; plug-ins from "});
+}
+
+TEST_F(ConvertFailure, FlacCutInsideItsAudio) {
+    Run({"convert", kFrontCenter, "cut.flac"});
+    std::filesystem::resize_file(InWork("cut.flac"), 20000);
+    ExpectCleanFailure("cut.flac", "out.wav", {"keloaudio: cut.flac: reading failed: "});
+}
+
+TEST_F(ConvertFailure, TextNamedAsSound) {
+    m_scratch.Write("work/text.wav", "These are words, not samples.\n");
+    ExpectCleanFailure("text.wav", "out.wav", {"keloaudio: text.wav: ", "(asked: libsndfile Decoder; plug-ins from "});
+}
+
+TEST_F(ConvertFailure, TextWithAnExtensionThatNoDecoderLists) {
+    m_scratch.Write("work/mix.xyz", "These are words, not samples.\n");
+    ExpectCleanFailure("mix.xyz", "out.wav",
+                       {"keloaudio: mix.xyz: no decoder opened it (asked: libsndfile Decoder; plug-ins from "});
+}
+
+TEST_F(ConvertFailure, LineBreakInANameStaysOneLine) {
+    ExpectCleanFailure("two\nlines.wav", "out.wav", {"two?lines.wav: No such file or directory"});
+}
+
+TEST_F(ConvertFailure, RemoteInputWithoutAUrlHandler) {
+    ExpectCleanFailure("http://localhost/x.wav", "out.wav", {"http://localhost/x.wav: no plug-in fetched it"});
+}
+
+TEST_F(ConvertFailure, UnknownOutputExtension) {
+    ExpectCleanFailure(kFrontCenter, "out.xyz", {"out.xyz: no encoder lists \".xyz\" (listed: ", "wav", "flac"});
+}
+
+TEST_F(ConvertFailure, OutputWithoutExtension) {
+    ExpectCleanFailure(kFrontCenter, "out", {"out: no extension to choose an encoder by (listed: "});
+}
+
+TEST_F(ConvertFailure, ChannelsThatNoConvertorMaps) {
+    ExpectCleanFailure(kFrontCenter, "out.wav",
+                       {"Front_Center.wav: no conversion from 48000 Hz, 16 bits, 1 channel to "}, {"--channels", "63"});
+}
+
+TEST_F(ConvertFailure, InputAsItsOwnOutput) {
+    std::filesystem::copy_file(kFrontCenter, InWork("same.wav"));
+    std::filesystem::create_hard_link(InWork("same.wav"), InWork("link.wav"));
+    const std::string content = ReadWholeFile(kFrontCenter);
+    for (const std::string output : {"same.wav", "./same.wav", "link.wav"}) {
+        ExpectFailure(Run({"convert", "same.wav", output}), {output + ": the output is the input file itself"});
+        EXPECT_EQ(ReadWholeFile(InWork("same.wav")), content);
+    }
+    EXPECT_EQ(NamesIn(WorkDirectory()), (std::vector<std::string>{"link.wav", "same.wav"}));
+}
+
+TEST_F(ConvertFailure, MissingOutputDirectory) {
+    ExpectFailure(Run({"convert", kFrontCenter, "nowhere/out.wav"}),
+                  {"nowhere/out.wav: no file can be made in ", "/work/nowhere: No such file or directory"});
+    EXPECT_EQ(NamesIn(WorkDirectory()), std::vector<std::string>{});
+}
+
+TEST_F(ConvertFailure, ReadOnlyOutputDirectory) {
+    // Not even root makes files in /sys.
+    ExpectFailure(Run({"convert", kFrontCenter, "/sys/out.wav"}), {"/sys/out.wav: no file can be made in /sys: "});
+}
+
+TEST_F(ConvertFailure, DirectoryAsOutput) {
+    std::filesystem::create_directory(InWork("folder.wav"));
+    ExpectFailure(Run({"convert", kFrontCenter, "folder.wav"}), {"folder.wav: Is a directory"});
+    EXPECT_EQ(NamesIn(WorkDirectory()), std::vector<std::string>{"folder.wav"});
+}
+
+TEST_F(ConvertFailure, DeviceAsOutput) {
+    std::filesystem::create_symlink("/dev/null", InWork("out.wav"));
+    ExpectFailure(Run({"convert", kFrontCenter, "out.wav"}), {"out.wav: not a regular file"});
+    EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
+}
+
+TEST_F(ConvertFailure, FileSizeLimitWhileWriting) {
+    m_scratch.Write("work/out.wav", "the old content");
+    const std::string command =
+        std::string("ulimit -f 64; exec ") + KELOAUDIO + " convert " + kFrontCenter + " out.wav";
+    ExpectFailure(RunProgram({"bash", "-c", command}, WorkDirectory()), {"out.wav: writing failed", "File too large"});
+    EXPECT_EQ(NamesIn(WorkDirectory()), std::vector<std::string>{"out.wav"});
+    EXPECT_EQ(ReadWholeFile(InWork("out.wav")), "the old content");
+}
+
+TEST_F(ConvertFailure, StandardOutputThatTakesNothing) {
+    const SRunResult result = RunProgram({"bash", "-c", std::string("exec ") + KELOAUDIO + " list >/dev/full"});
+    ExpectFailure(result, {"standard output: No space left on device"});
+}

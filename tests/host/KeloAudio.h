@@ -1,0 +1,76 @@
+// keloaudio under test, run inside a scratch directory.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/host/RunProgram.h"
+
+constexpr const char* kFrontCenter = "/usr/share/sounds/alsa/Front_Center.wav";
+constexpr const char* kComplete = "/usr/share/sounds/freedesktop/stereo/complete.oga";
+
+// A working directory and a plug-in directory beside it.
+class CKeloAudio : public testing::Test {
+protected:
+    CKeloAudio() {
+        std::filesystem::create_directory(m_scratch.Path() / "work");
+        std::filesystem::create_directory(m_scratch.Path() / "plugins");
+    }
+
+    std::string WorkDirectory() const { return m_scratch / "work"; }
+    std::string PluginDirectory() const { return m_scratch / "plugins"; }
+    std::string InWork(const std::string& name) const { return m_scratch / ("work/" + name); }
+
+    // Plug-ins of the build tree are linked into the plug-in directory, by file name.
+    void UsePlugin(const std::string& directory, const std::string& name) const {
+        std::filesystem::create_symlink(directory + "/" + name, PluginDirectory() + "/" + name);
+    }
+    void UseFixture(const std::string& name) const { UsePlugin(KELO_FIXTURES, name); }
+
+    // With the plug-ins of the build tree.
+    SRunResult Run(std::vector<std::string> arguments) const {
+        arguments.insert(arguments.begin(), KELOAUDIO);
+        return RunProgram(arguments, WorkDirectory());
+    }
+
+    // With the plug-ins that the test chose.
+    SRunResult RunWithChosen(std::vector<std::string> arguments) const {
+        arguments.insert(arguments.end(), {"--plugins", PluginDirectory()});
+        return Run(std::move(arguments));
+    }
+
+    // The last line of a successful conversion's output begins with the output's name and holds `text`.
+    static void ExpectConverted(const SRunResult& result, const std::string& text) {
+        EXPECT_EQ(result.m_nExit, 0);
+        EXPECT_EQ(result.m_strErr, "");
+        EXPECT_NE(result.m_strOut.find(text), std::string::npos) << result.m_strOut;
+    }
+
+    static void ExpectFailure(const SRunResult& result, const std::vector<std::string>& words, int status = 1) {
+        EXPECT_EQ(result.m_nExit, status);
+        EXPECT_EQ(result.m_strOut, "");
+        EXPECT_TRUE(IsOneLine(result.m_strErr)) << result.m_strErr;
+        EXPECT_EQ(result.m_strErr.rfind("keloaudio: ", 0), 0u) << result.m_strErr;
+        for (const std::string& word : words) {
+            EXPECT_NE(result.m_strErr.find(word), std::string::npos) << word << " is not in " << result.m_strErr;
+        }
+    }
+
+    // Fails with these words, once without an output and once over an existing one; neither run leaves a trace.
+    void ExpectCleanFailure(const std::string& input, const std::string& output, const std::vector<std::string>& words,
+                            std::vector<std::string> options = {}) const {
+        options.insert(options.begin(), {"convert", input, output});
+        const std::vector<std::string> before = NamesIn(WorkDirectory());
+        ExpectFailure(Run(options), words);
+        EXPECT_EQ(NamesIn(WorkDirectory()), before);
+        const std::string existing = m_scratch.Write("work/" + output, "the old content");
+        ExpectFailure(Run(options), words);
+        EXPECT_EQ(ReadWholeFile(existing), "the old content");
+        std::filesystem::remove(existing);
+        EXPECT_EQ(NamesIn(WorkDirectory()), before);
+    }
+
+    CScratchDirectory m_scratch;
+};

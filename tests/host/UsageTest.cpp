@@ -1,0 +1,43 @@
+// Wrong usage: one line that names the option, exit status 2.
+#include "tests/host/KeloAudio.h"
+
+namespace {
+
+class Usage : public CKeloAudio {};
+
+struct SBadNumber {
+    const char* m_szOption;
+    const char* m_szNumber;
+};
+
+}  // namespace
+
+TEST_F(Usage, BadNumbersAreRefusedByName) {
+    for (const SBadNumber& bad :
+         {SBadNumber{"--rate", "0"}, SBadNumber{"--rate", "-48000"}, SBadNumber{"--rate", "fast"},
+          SBadNumber{"--rate", "48000Hz"}, SBadNumber{"--rate", "44.1"}, SBadNumber{"--rate", "99999999999999999999"},
+          SBadNumber{"--rate", ""}, SBadNumber{"--bits", "0"}, SBadNumber{"--bits", "12"}, SBadNumber{"--bits", "many"},
+          SBadNumber{"--channels", "0"}, SBadNumber{"--channels", "65"}, SBadNumber{"--channels", "two"}}) {
+        SCOPED_TRACE(std::string(bad.m_szOption) + " " + bad.m_szNumber);
+        ExpectFailure(Run({"convert", kFrontCenter, "out.wav", bad.m_szOption, bad.m_szNumber}), {bad.m_szOption}, 2);
+        EXPECT_EQ(NamesIn(WorkDirectory()), std::vector<std::string>{});
+    }
+}
+
+TEST_F(Usage, MissingOperandsAreNamed) {
+    ExpectFailure(Run({"convert"}), {"INPUT"}, 2);
+    ExpectFailure(Run({"convert", kFrontCenter}), {"OUTPUT"}, 2);
+}
+
+TEST_F(Usage, UnknownCommandOrOptionIsRefused) {
+    ExpectFailure(Run({}), {"subcommand"}, 2);
+    ExpectFailure(Run({"play"}), {"subcommand"}, 2);
+    ExpectFailure(Run({"list", "--loud"}), {"--loud"}, 2);
+}
+
+TEST_F(Usage, HelpAndVersionSucceed) {
+    EXPECT_NE(Run({"--help"}).m_strOut.find("convert"), std::string::npos);
+    EXPECT_NE(Run({"convert", "--help"}).m_strOut.find("--rate"), std::string::npos);
+    EXPECT_EQ(Run({"--version"}).m_strOut.rfind("keloaudio ", 0), 0u);
+    EXPECT_EQ(Run({"--help"}).m_nExit, 0);
+}
