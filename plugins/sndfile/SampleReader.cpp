@@ -59,14 +59,31 @@ CSampleReader::CSampleReader(std::unique_ptr<CSoundFile> file)
 
 sf_count_t CSampleReader::Read(unsigned char* buffer, sf_count_t frames) {
     if (m_bDamaged) return kDamaged;
-    const sf_count_t count = ReadsDirectly(buffer) ? ReadDirectly(buffer, frames) : ReadPieces(buffer, frames);
+    // Beyond the last frame a codec may stumble over a tag at the end of the file.
+    const sf_count_t wanted = m_nLength != 0 ? std::min(frames, m_nLength - m_nPosition) : frames;
+    const sf_count_t count = ReadPieces(buffer, wanted);
     m_nPosition += count;
-    const bool whole = m_nLength != 0 && m_nPosition >= m_nLength;
-    // An error after the last frame is about what follows the audio, such as a tag at the end of the file.
-    if (!whole && sf_error(m_file->Handle()) != SF_ERR_NO_ERROR) NoteDamage(sf_strerror(m_file->Handle()));
     if (count == 0 && m_bDamaged) return kDamaged;
     if (count == 0) m_nLength = m_nPosition;
     return count;
+}
+
+// A piece in which the codec meets damage is dropped: it does not tell which of its frames are good.
+sf_count_t CSampleReader::ReadPieces(unsigned char* buffer, sf_count_t frames) {
+    const std::int64_t blockSize = BlockSizeOf(m_source.m_format);
+    sf_count_t total = 0;
+    while (total < frames) {
+        const sf_count_t wanted = std::min(frames - total, m_nPieceFrames);
+        unsigned char* const out = buffer + total * blockSize;
+        const sf_count_t count = ReadsDirectly(out) ? ReadDirectly(out, wanted) : ReadPiece(out, wanted);
+        if (sf_error(m_file->Handle()) != SF_ERR_NO_ERROR) {
+            NoteDamage(sf_strerror(m_file->Handle()));
+            break;
+        }
+        total += count;
+        if (count < wanted) break;
+    }
+    return total;
 }
 
 void CSampleReader::NoteDamage(const char* reason) {
@@ -88,18 +105,6 @@ sf_count_t CSampleReader::ReadDirectly(unsigned char* buffer, sf_count_t frames)
     return sf_readf_int(m_file->Handle(), reinterpret_cast<int*>(buffer), frames);
 }
 
-sf_count_t CSampleReader::ReadPieces(unsigned char* buffer, sf_count_t frames) {
-    const std::int64_t blockSize = BlockSizeOf(m_source.m_format);
-    sf_count_t total = 0;
-    while (total < frames) {
-        const sf_count_t wanted = std::min(frames - total, m_nPieceFrames);
-        const sf_count_t count = ReadPiece(buffer + total * blockSize, wanted);
-        total += count;
-        if (count < wanted || sf_error(m_file->Handle()) != SF_ERR_NO_ERROR) break;
-    }
-    return total;
-}
-
 sf_count_t CSampleReader::ReadPiece(unsigned char* out, sf_count_t frames) {
     const auto samplesOf = [this](sf_count_t count) {
         return static_cast<std::size_t>(count * m_source.m_format.nChannels);
@@ -116,12 +121,27 @@ sf_count_t CSampleReader::ReadPiece(unsigned char* out, sf_count_t frames) {
 
 bool CSampleReader::Seek(sf_count_t position) {
     if (!m_file->IsSeekable() || position < 0 || (m_nLength != 0 && position > m_nLength)) return false;
+    const sf_count_t before = m_nPosition;
+    if ((!m_bDamaged || Reopen()) && MoveTo(position)) return true;
+    // Some codecs are of no use after damage or a failed seek.
+    if (!Reopen() || !MoveTo(before)) NoteDamage(sf_strerror(m_file->Handle()));
+    return false;
+}
+
+bool CSampleReader::Reopen() {
+    if (!m_file->Reopen()) return false;
+    m_bDamaged = false;
+    m_strDamage.clear();
+    m_nPosition = 0;
+    return true;
+}
+
+bool CSampleReader::MoveTo(sf_count_t position) {
     // In Vorbis, libsndfile's own seek reports the right position and may deliver the samples of another.
     const bool vorbis = (m_file->Info().format & SF_FORMAT_SUBMASK) == SF_FORMAT_VORBIS;
-    if (vorbis && !m_bDamaged && position > m_nPosition) return SkipTo(position);
+    if (vorbis && position >= m_nPosition) return SkipTo(position);
     const sf_count_t target = vorbis ? 0 : position;
     if (sf_seek(m_file->Handle(), target, SEEK_SET) != target) return false;
-    m_bDamaged = false;
     m_nPosition = target;
     return SkipTo(position);
 }

@@ -32,7 +32,7 @@ public:
     // What the codec said about the damage.
     const std::string& Damage() const { return m_strDamage; }
 
-    // False: the position is unchanged unless the codec lost it.
+    // Ends damage. False: the position is unchanged, or damaged where the codec does not find it again.
     bool Seek(sf_count_t position);
 
 private:
@@ -41,6 +41,8 @@ private:
     bool ReadsDirectly(const unsigned char* buffer) const;
     sf_count_t ReadDirectly(unsigned char* buffer, sf_count_t frames);
     void NoteDamage(const char* reason);
+    bool Reopen();
+    bool MoveTo(sf_count_t position);
     bool SkipTo(sf_count_t position);
 
     std::unique_ptr<CSoundFile> m_file;

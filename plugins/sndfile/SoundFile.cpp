@@ -69,3 +69,11 @@ CSoundFile::CSoundFile(CFileDescriptor descriptor, CSndFileHandle handle, const 
       // Some codecs call a pipe seekable.
       m_bSeekable(info.seekable != 0 && m_descriptor.IsSeekable()),
       m_strFormatName(std::move(formatName)) {}
+
+bool CSoundFile::Reopen() {
+    m_handle.reset();
+    if (::lseek(m_descriptor.Get(), 0, SEEK_SET) != 0) return false;
+    SF_INFO info = {};
+    m_handle.reset(sf_open_fd(m_descriptor.Get(), SFM_READ, &info, SF_FALSE));
+    return m_handle != nullptr;
+}

@@ -15,6 +15,9 @@ public:
 
     CSoundFile(CFileDescriptor descriptor, CSndFileHandle handle, const SF_INFO& info, std::string formatName);
 
+    // A new codec handle at the first frame of the same file. False leaves no usable handle.
+    bool Reopen();
+
     SNDFILE* Handle() const { return m_handle.get(); }
     const SF_INFO& Info() const { return m_info; }
     bool IsSeekable() const { return m_bSeekable; }
