@@ -75,8 +75,8 @@ protected:
 
 private:
     // Makes the entry current; false, with no current file, when it is gone or its attributes do not pass.
-    bool Accept(const char* name);
-    int StandOnEnd();
+    KELO_HIDDEN bool Accept(const char* name);
+    KELO_HIDDEN int StandOnEnd();
 
     std::unique_ptr<DIR, SDirectoryCloser> m_pStream;
     CPortableFileInfo m_info;

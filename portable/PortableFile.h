@@ -182,9 +182,9 @@ private:
     friend struct SResolvedFile;
 
     void CommonConstructor(const char* name, CPortableFile::OpenMode mode);
-    bool IsOpenAfterLazyOpening();
-    int KeepResult(bool succeeded);
-    int SeekBackwards(PFile::POSMODE mode, long offset);
+    KELO_HIDDEN bool IsOpenAfterLazyOpening();
+    KELO_HIDDEN int KeepResult(bool succeeded);
+    KELO_HIDDEN int SeekBackwards(PFile::POSMODE mode, long offset);
 
     CBasicString<char> m_strName;
     int m_nDescriptor;
