@@ -25,8 +25,8 @@ CBasicString<T>::CBasicString(const T* src, int len) : CBasicString() {
     if (src == nullptr) return;
     m_nLength = len == -1 ? LengthOf(src) : std::max(len, 0);
     Reserve(m_nLength);
+    // The rest of the buffer is zero from its allocation.
     std::memcpy(m_pBuffer, src, static_cast<std::size_t>(m_nLength));
-    std::fill(m_pBuffer + m_nLength, m_pBuffer + m_nCapacity, T());
 }
 
 template <typename T>

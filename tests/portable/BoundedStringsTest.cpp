@@ -76,7 +76,14 @@ protected:
 };
 
 using CElementTypes = testing::Types<char, unsigned short>;
-TYPED_TEST_SUITE(BoundedText, CElementTypes);
+
+struct SElementNames {
+    template <typename TChar>
+    static std::string GetName(int) {
+        return sizeof(TChar) == 1 ? "Bytes" : "Units";
+    }
+};
+TYPED_TEST_SUITE(BoundedText, CElementTypes, SElementNames);
 
 class BoundedStrings : public BoundedText<char> {};
 

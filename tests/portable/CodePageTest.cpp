@@ -198,16 +198,15 @@ TEST_F(CodePage, WideAttemptsEndWithTheFirstSuccess) {
 }
 
 TEST_F(CodePage, AFailedAttemptLeavesNothingInALaterResult) {
-    // UTF-8 and EUC-JP read "ab\xA4\xA2" before they stop; only ISO-8859-1 reads all of it.
-    EXPECT_EQ((CUnits{'a', 'b', 0xA4, 0xA2, 0xE9}), ToWide(0, "ab\xA4\xA2\xE9"));
-    // The one charset that opens gives fewer units than the failed attempts before it.
-    const auto convert = [] {
-        CUnits units(6, kUntouched);
-        EXPECT_EQ(2, MultiByteToWideChar(0, 0, "\xB0\xA1", -1, units.data(), 5));
-        EXPECT_EQ(0xAC00, units[0]);
-        EXPECT_EQ(0, units[1]);
-    };
-    Attempts("EUC-KR", convert);
+    // EUC-JP reads six characters before it stops at the last one; EUC-TW reads all as four.
+    const std::string bytes = "\x8E\xA2\xA1\xA1\x8E\xA2\xA1\xA1\x8E\xA2\xA1\xA1\xF5\xA1";
+    EXPECT_EQ(4u, ToWide(0, bytes).size());
+    EXPECT_EQ(UnitsOfFirstAcceptingCharset(bytes), ToWide(0, bytes));
+}
+
+TEST_F(CodePage, AnyCharsetOfTheListMayBeTheOneThatReads) {
+    Attempts("EUC-KR", [] { EXPECT_EQ((CUnits{0xAC00}), ToWide(0, "\xB0\xA1")); });
+    Attempts("PT154", [] { EXPECT_EQ((CUnits{0x0416}), ToWide(kUtf8, "\xC6")); });
 }
 
 TEST_F(CodePage, WritesUtf8InEveryCodePageAndLocale) {
