@@ -1,0 +1,165 @@
+// Decoder and URL handler components that do what their test says. The test owns them; they outlive the manager.
+#pragma once
+
+#include <cstring>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "com/AudioComponent.h"
+#include "com/QueryTable.h"
+#include "stream/FileOpener.h"
+#include "stream/URLSourceHandler.h"
+#include "tests/support/CallLog.h"
+#include "tests/support/PlainCount.h"
+#include "tests/support/ScriptedCall.h"
+
+namespace support {
+
+// What an opener was asked for.
+struct SOpenCall {
+    std::string m_path;
+    IUnknown** m_ppStream;
+    EAuxFlags m_eRequired;
+    EAuxFlags m_eExcluded;
+    bool m_bHadStatus;
+};
+
+// Both faces in one object, which has references of its own. [stream-thread]
+class CFakeFileOpener final : public IAudioFileOpener {
+public:
+    unsigned int AddRef() override { return m_references.Increment(); }
+    unsigned int Release() override { return m_references.Decrement(); }
+    int QueryInterface(unsigned long identity, void** face) override {
+        return AnswerQuery(*this, identity, face, {{IID_IUnknown, static_cast<IAudioFileOpenerControl*>(this)}});
+    }
+    EAuxFlags GetAuxFlags() override {
+        ++m_nFlagCalls;
+        return m_eCapabilities;
+    }
+    bool Open(const char* path, IUnknown** stream, EAuxFlags required, EAuxFlags excluded, IStatus** status) override {
+        m_openCalls.push_back({path, stream, required, excluded, status != nullptr});
+        if (m_pLog != nullptr) m_pLog->Note("open " + m_name);
+        if (!Play(m_open, status)) return false;
+        *stream = m_newStream ? m_newStream() : nullptr;
+        return true;
+    }
+    unsigned int GetOpenerState() override { return m_nState; }
+
+    unsigned int References() const { return m_references.Value(); }
+
+    std::string m_name;
+    CCallLog* m_pLog = nullptr;
+    unsigned int m_nState = kOpenerEnabled;
+    EAuxFlags m_eCapabilities = AUX_CONVERT;
+    SScriptedCall m_open;
+    std::function<IUnknown*()> m_newStream;
+    std::vector<SOpenCall> m_openCalls;
+    int m_nFlagCalls = 0;
+
+private:
+    CPlainCount m_references;
+};
+
+// The plain part of a component.
+class CFakeComponent : public IAudioComponent {
+public:
+    CFakeComponent(std::string name, EAudioComponentType type) : m_eType(type), m_name(std::move(name)) {}
+
+    CFakeComponent(const CFakeComponent&) = delete;
+    CFakeComponent& operator=(const CFakeComponent&) = delete;
+
+    unsigned int AddRef() override { return m_references.Increment(); }
+    unsigned int Release() override { return m_references.Decrement(); }
+    int QueryInterface(unsigned long identity, void** face) override {
+        return AnswerQuery(*this, identity, face, {{IID_IUnknown, static_cast<IAudioComponent*>(this)}});
+    }
+    const char* GetName() override { return m_name.c_str(); }
+    EAudioComponentType GetType() override { return m_eType; }
+    bool Initialize(IAudioPluginMgr* /*manager*/, IStatus** status) override { return Play(m_initialize, status); }
+    void Terminate() override { ++m_nTerminations; }
+
+    unsigned int References() const { return m_references.Value(); }
+
+    EAudioComponentType m_eType;
+    SScriptedCall m_initialize;
+    int m_nTerminations = 0;
+
+protected:
+    ~CFakeComponent() = default;
+
+private:
+    std::string m_name;
+    CPlainCount m_references;
+};
+
+// A component with nothing beyond the plain part.
+class CFakePlainComponent final : public CFakeComponent {
+public:
+    using CFakeComponent::CFakeComponent;
+};
+
+class CFakeDecoderComponent final : public CFakeComponent, public IExtensionList {
+public:
+    CFakeDecoderComponent(const std::string& name, std::vector<const char*> extensions)
+        : CFakeComponent(name, ACT_DECODER), m_extensions(std::move(extensions)) {
+        m_opener.m_name = name;
+    }
+
+    unsigned int AddRef() override { return CFakeComponent::AddRef(); }
+    unsigned int Release() override { return CFakeComponent::Release(); }
+    int QueryInterface(unsigned long identity, void** face) override {
+        if (identity == IID_IAudioFileOpener && m_bOffersOpener && face != nullptr) {
+            m_opener.AddRef();
+            *face = static_cast<IAudioFileOpenerOperations*>(&m_opener);
+            return kInterfaceFound;
+        }
+        IExtensionList* const extensions = m_bOffersExtensions ? this : nullptr;
+        return AnswerQuery(*this, identity, face,
+                           {{IID_IUnknown, static_cast<IAudioComponent*>(this)}, {IID_IExtensionList, extensions}});
+    }
+    int GetCount() override { return static_cast<int>(m_extensions.size()); }
+    const char* GetAt(int n) override {
+        ++m_nGetAtCalls;
+        return m_extensions[static_cast<std::size_t>(n)];
+    }
+
+    CFakeFileOpener m_opener;
+    std::vector<const char*> m_extensions;
+    bool m_bOffersOpener = true;
+    bool m_bOffersExtensions = true;
+    int m_nGetAtCalls = 0;
+};
+
+class CFakeURLHandler final : public CFakeComponent, public IURLSourceHandler {
+public:
+    CFakeURLHandler(const std::string& name, unsigned int protocols)
+        : CFakeComponent(name, ACT_URL_HANDLER), m_nProtocols(protocols) {}
+
+    unsigned int AddRef() override { return CFakeComponent::AddRef(); }
+    unsigned int Release() override { return CFakeComponent::Release(); }
+    int QueryInterface(unsigned long identity, void** face) override {
+        IURLSourceHandler* const handler = m_bOffersHandler ? this : nullptr;
+        return AnswerQuery(*this, identity, face,
+                           {{IID_IUnknown, static_cast<IAudioComponent*>(this)}, {IID_IURLSourceHandler, handler}});
+    }
+    unsigned int GetProtocols() override { return m_nProtocols; }
+    bool Fetch(const char* url, char* localPath, int reserved, IStatus** status) override {
+        m_urls.emplace_back(url);
+        m_nReserved = reserved;
+        m_bHadStatus = status != nullptr;
+        std::memset(localPath, 0, kLocalPathCapacity);
+        m_localPath.copy(localPath, kLocalPathCapacity - 1);
+        return Play(m_fetch, status);
+    }
+
+    unsigned int m_nProtocols;
+    bool m_bOffersHandler = true;
+    SScriptedCall m_fetch;
+    std::string m_localPath;
+    std::vector<std::string> m_urls;
+    int m_nReserved = -1;
+    bool m_bHadStatus = false;
+};
+
+}  // namespace support
