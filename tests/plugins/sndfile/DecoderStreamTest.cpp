@@ -191,10 +191,13 @@ TEST(SndfileStream, SaysZeroForALengthThatTheFileDoesNotTell) {
 
 TEST(SndfileStream, CorrectsAnEstimatedLengthAtTheEnd) {
     CScratchDirectory scratch;
-    RunTool("lame --quiet -t " + kVoice + " " + scratch / "x.mp3");
+    RunTool("sox -R -M " + kVoice + " " + kNoise + " " + scratch / "x.wav" + " rate 44100");
+    RunTool("lame --quiet -t " + scratch / "x.wav" + " " + scratch / "x.mp3");
     SSource source(scratch / "x.mp3");
     ASSERT_TRUE(source.m_process->Start(nullptr));
+    const std::uint64_t estimate = source.m_reader->GetRawLen();
     const std::string samples = ReadOn(source);
+    EXPECT_NE(estimate, samples.size());
     EXPECT_EQ(source.m_reader->GetRawLen(), samples.size());
     EXPECT_EQ(source.m_blocks->GetPos(), source.m_blocks->GetDataLength());
 }
@@ -213,6 +216,21 @@ TEST(SndfileStream, OfAPipeReadsOnceAndCannotSeek) {
         ASSERT_TRUE(source.m_process->End(nullptr));
         EXPECT_EQ(ReasonOf([&](IStatus** status) { return source.m_process->Start(status); }),
                   "pipe.wav: cannot go back to the first frame");
+    }
+    writer.join();
+}
+
+TEST(SndfileStream, OfAPipeIsNotSeekableWhateverTheCodecSays) {
+    CScratchDirectory scratch;
+    RunTool("lame --quiet " + kVoice + " " + scratch / "x.mp3");
+    const std::string path = scratch / "pipe.mp3";
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    std::thread writer([&] { std::ofstream(path, std::ios::binary) << Content(scratch / "x.mp3"); });
+    {
+        SSource source(path);
+        EXPECT_FALSE(source.m_seekable);
+        ASSERT_TRUE(source.m_process->Start(nullptr));
+        EXPECT_GT(ReadOn(source).size(), 100000u);
     }
     writer.join();
 }

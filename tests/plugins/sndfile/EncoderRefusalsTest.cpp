@@ -1,4 +1,5 @@
 // What the encoder refuses, and writing that fails.
+#include <fcntl.h>
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -103,10 +104,15 @@ TEST(SndfileEncoderRefusals, OfStartTellAReadOnlyDirectory) {
 
 TEST(SndfileEncoderRefusals, OfStartTellAPipe) {
     CScratchDirectory scratch;
-    const std::string path = scratch / "pipe.wav";
+    const std::string path = scratch / "pipe";
     ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
-    std::fstream reader(path);
-    EXPECT_EQ(StartRefusal(path), "pipe.wav: cannot be written: Illegal seek");
+    const int reader = open(path.c_str(), O_RDWR | O_NONBLOCK);
+    for (const char* const extension : {"wav", "flac"}) {
+        EXPECT_EQ(StartRefusal(path, extension), "pipe: cannot be written: Illegal seek");
+    }
+    char byte = 0;
+    EXPECT_EQ(read(reader, &byte, 1), -1);
+    close(reader);
 }
 
 TEST(SndfileEncoderRefusals, OfStartTellAFullDevice) {
