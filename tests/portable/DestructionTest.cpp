@@ -73,7 +73,7 @@ void operator delete[](void* memory, size_t) noexcept { free(memory); }
 TEST(Destruction, AMutexAnswersZeroAfterItsEnd) {
     const CMortal<CPosixMutex> mutex(0);
     EXPECT_TRUE(mutex.HadPointer());
-    EXPECT_EQ(nullptr, mutex.Pointer());
+    ASSERT_EQ(nullptr, mutex.Pointer());
     for (const unsigned int timeoutMs : {0u, 50u, kInfiniteTimeout}) {
         EXPECT_EQ(0, mutex->CPosixMutex::Lock(timeoutMs)) << timeoutMs;
     }
@@ -83,7 +83,7 @@ TEST(Destruction, AMutexAnswersZeroAfterItsEnd) {
 TEST(Destruction, ASemaphoreAnswersZeroAfterItsEnd) {
     const CMortal<CPosixSemaphore> semaphore(1, 1);
     EXPECT_TRUE(semaphore.HadPointer());
-    EXPECT_EQ(nullptr, semaphore.Pointer());
+    ASSERT_EQ(nullptr, semaphore.Pointer());
     for (const unsigned int timeoutMs : {0u, 50u, kInfiniteTimeout}) {
         EXPECT_EQ(0, semaphore->CPosixSemaphore::Lock(timeoutMs)) << timeoutMs;
     }
@@ -93,7 +93,7 @@ TEST(Destruction, ASemaphoreAnswersZeroAfterItsEnd) {
 TEST(Destruction, AnEventAnswersZeroAfterItsEnd) {
     const CMortal<CPosixEvent> event(1, 1);
     EXPECT_TRUE(event.HadPointer());
-    EXPECT_EQ(nullptr, event.Pointer());
+    ASSERT_EQ(nullptr, event.Pointer());
     EXPECT_EQ(0, event->CPosixEvent::Lock(0));
     EXPECT_EQ(0, event->CPosixEvent::Unlock());
 }
