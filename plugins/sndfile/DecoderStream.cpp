@@ -30,8 +30,7 @@ int CDecoderStream::InnerQueryInterface(unsigned long identity, void** face) {
 bool CDecoderStream::Start(IStatus** status) {
     return Guarded(status, [&] {
         if (m_bInProcess) return Refuse(status, m_strPath, "already started");
-        const bool untouched = m_reader.Position() == 0 && m_reader.Damage().empty();
-        if (!untouched && !m_reader.Seek(0)) return Refuse(status, m_strPath, "cannot go back to the first frame");
+        if (!m_reader.Rewind()) return Refuse(status, m_strPath, "cannot go back to the first frame");
         m_bInProcess = true;
         return true;
     });

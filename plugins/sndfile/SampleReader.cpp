@@ -119,6 +119,11 @@ sf_count_t CSampleReader::ReadPiece(unsigned char* out, sf_count_t frames) {
     return count;
 }
 
+bool CSampleReader::Rewind() {
+    if (m_nPosition == 0 && !m_bDamaged) return true;
+    return m_file->IsSeekable() ? Seek(0) : Reopen();
+}
+
 bool CSampleReader::Seek(sf_count_t position) {
     if (!m_file->IsSeekable() || position < 0 || (m_nLength != 0 && position > m_nLength)) return false;
     const sf_count_t before = m_nPosition;

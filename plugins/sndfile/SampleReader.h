@@ -32,7 +32,11 @@ public:
     // What the codec said about the damage.
     const std::string& Damage() const { return m_strDamage; }
 
-    // Ends damage. False: the position is unchanged, or damaged where the codec does not find it again.
+    // To the first frame, in every file. Ends damage.
+    bool Rewind();
+
+    // In seekable files. Ends damage. False: the position is unchanged, or damaged where the codec does not find it
+    // again.
     bool Seek(sf_count_t position);
 
 private:

@@ -39,6 +39,8 @@ std::string ReasonAgainst(const CFileDescriptor& descriptor) {
     struct stat facts = {};
     if (!descriptor.IsOpen() || ::fstat(descriptor.Get(), &facts) != 0) return SystemReason(errno);
     if (S_ISDIR(facts.st_mode)) return SystemReason(EISDIR);
+    // libsndfile 1.2.0 reads outside its memory when MPEG audio comes out of a pipe.
+    if (!descriptor.IsSeekable()) return "not readable as audio: a pipe is no file";
     if (S_ISREG(facts.st_mode) && facts.st_size == 0) return "not readable as audio: the file is empty";
     return {};
 }
@@ -66,8 +68,6 @@ CSoundFile::CSoundFile(CFileDescriptor descriptor, CSndFileHandle handle, const 
     : m_descriptor(std::move(descriptor)),
       m_handle(std::move(handle)),
       m_info(info),
-      // Some codecs call a pipe seekable.
-      m_bSeekable(info.seekable != 0 && m_descriptor.IsSeekable()),
       m_strFormatName(std::move(formatName)) {}
 
 bool CSoundFile::Reopen() {

@@ -20,7 +20,8 @@ public:
 
     SNDFILE* Handle() const { return m_handle.get(); }
     const SF_INFO& Info() const { return m_info; }
-    bool IsSeekable() const { return m_bSeekable; }
+    // Whether the codec can go to any frame; every file can be reopened.
+    bool IsSeekable() const { return m_info.seekable != 0; }
 
     // Such as "FLAC"; empty when the file's first bytes do not tell.
     const std::string& FormatName() const { return m_strFormatName; }
@@ -29,6 +30,5 @@ private:
     CFileDescriptor m_descriptor;
     CSndFileHandle m_handle;
     SF_INFO m_info;
-    bool m_bSeekable;
     std::string m_strFormatName;
 };

@@ -1,4 +1,6 @@
 // Files that do not open, and damage that shows while reading.
+#include <sys/stat.h>
+
 #include <filesystem>
 
 #include "tests/plugins/sndfile/AudioFiles.h"
@@ -27,6 +29,14 @@ TEST(SndfileRefusals, NameTheFileAndTheSystemsReason) {
 TEST(SndfileRefusals, TellAnEmptyFile) {
     CScratchDirectory scratch;
     EXPECT_EQ(RefusalOf(scratch.Write("void.wav", "")), "void.wav: not readable as audio: the file is empty");
+}
+
+TEST(SndfileRefusals, TellAPipe) {
+    CScratchDirectory scratch;
+    const std::string path = scratch / "pipe.wav";
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    const std::fstream writer(path);
+    EXPECT_EQ(RefusalOf(path), "pipe.wav: not readable as audio: a pipe is no file");
 }
 
 TEST(SndfileRefusals, NameTheCodecsReason) {
