@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "portable/DirEntry.h"
+#include "tests/support/ProcessState.h"
 #include "tests/support/ScratchDirectory.h"
 
 namespace {
@@ -128,6 +129,9 @@ TEST(DirEntry, ADirectoryThatCannotBeOpenedHasNoEntries) {
 }
 
 TEST(DirEntry, AFileWithoutANameHasNoEntries) {
+    const CScratchDirectory scratch;
+    scratch.Write("file", "");
+    const CScopedCurrentDirectory inside(scratch.Path());
     const CPortableFile file(nullptr, CPortableFile::OM_READ);
     const std::unique_ptr<CDirEntry> entry(file.OpenDir("*", 0, 0, 0, 2));
     EXPECT_EQ(entry->IsValid(), 0);

@@ -1,10 +1,18 @@
 // Copying of a file's bytes.
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
+#include <signal.h>
 #include <sys/stat.h>
+#include <sys/time.h>
 #include <unistd.h>
 
+#include <atomic>
+#include <csignal>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <thread>
 
 #include "portable/PortableFile.h"
 #include "tests/support/ScratchDirectory.h"
@@ -21,6 +29,60 @@ std::string Pattern(std::size_t size) {
     for (std::size_t i = 0; i < size; ++i) text[i] = static_cast<char>(i * 7 + i / 251);
     return text;
 }
+
+// The far end of a named pipe of one page, which nobody empties before the writer has been interrupted.
+class CInterruptingReader {
+public:
+    explicit CInterruptingReader(const std::string& pipe) : m_nPipe(open(pipe.c_str(), O_RDONLY | O_NONBLOCK)) {
+        fcntl(m_nPipe, F_SETPIPE_SZ, 4096);
+        interrupted = 0;
+        struct sigaction action = {};
+        action.sa_handler = [](int) { interrupted = 1; };
+        sigaction(SIGALRM, &action, &m_previous);
+
+        sigset_t alarms;
+        sigemptyset(&alarms);
+        sigaddset(&alarms, SIGALRM);
+        pthread_sigmask(SIG_BLOCK, &alarms, nullptr);
+        m_thread = std::thread([this] { ReadAll(); });
+        pthread_sigmask(SIG_UNBLOCK, &alarms, nullptr);
+        const itimerval once = {{0, 0}, {0, 50000}};
+        setitimer(ITIMER_REAL, &once, nullptr);
+    }
+    ~CInterruptingReader() {
+        const itimerval never = {};
+        setitimer(ITIMER_REAL, &never, nullptr);
+        close(m_nPipe);
+        sigaction(SIGALRM, &m_previous, nullptr);
+    }
+
+    // What arrived, once `size` bytes did or the time is over.
+    std::string Wait(std::size_t size) {
+        m_nWanted = size;
+        m_thread.join();
+        return m_text;
+    }
+
+private:
+    void ReadAll() {
+        char buffer[4096];
+        for (int attempt = 0; attempt < 10000 && m_text.size() < m_nWanted; ++attempt) {
+            const ssize_t count = interrupted != 0 ? read(m_nPipe, buffer, sizeof(buffer)) : -1;
+            if (count > 0) m_text.append(buffer, static_cast<std::size_t>(count));
+            if (count <= 0) usleep(1000);
+        }
+    }
+
+    static volatile std::sig_atomic_t interrupted;
+
+    int m_nPipe;
+    struct sigaction m_previous = {};
+    std::thread m_thread;
+    std::string m_text;
+    std::atomic<std::size_t> m_nWanted{SIZE_MAX};
+};
+
+volatile std::sig_atomic_t CInterruptingReader::interrupted = 0;
 
 }  // namespace
 
@@ -84,6 +146,16 @@ TEST(FileCopy, AFailedWriteFails) {
     for (const std::size_t size : {1u, 100000u}) {
         EXPECT_EQ(CPortableFile::CopyFile(scratch.Write("source", Pattern(size)).c_str(), "/dev/full", 0), 0) << size;
     }
+}
+
+TEST(FileCopy, AWriteThatTakesAPartOnlyIsContinued) {
+    const CScratchDirectory scratch;
+    const std::string content = Pattern(20000);
+    const std::string source = scratch.Write("source", content);
+    ASSERT_EQ(mkfifo((scratch / "pipe").c_str(), 0600), 0);
+    CInterruptingReader reader(scratch / "pipe");
+    EXPECT_EQ(CPortableFile::CopyFile(source.c_str(), (scratch / "pipe").c_str(), 0), 1);
+    EXPECT_EQ(reader.Wait(content.size()), content);
 }
 
 TEST(FileCopy, NoPathFails) {
