@@ -6,14 +6,12 @@
 #include "tests/stream/SourceFixture.h"
 #include "tests/support/FakeComponents.h"
 #include "tests/support/FakeEncoder.h"
-#include "tests/support/SlotCall.h"
+#include "tests/support/SlotTable.h"
 
 namespace {
 
-using support::CallSlot;
 using support::kCompactDisc;
 using support::kStudio;
-using support::TableOf;
 
 void* Exported(const char* symbol) { return dlsym(RTLD_DEFAULT, symbol); }
 
@@ -61,8 +59,8 @@ TEST_F(SourceSlots, OfThePrimaryTableAnswerInOrder) {
     EXPECT_EQ(m_script.m_log.Count("end"), 1);
     m_script.m_bInProcess = true;
     EXPECT_TRUE(CallSlot<bool>(object, 5));
-    EXPECT_EQ(TableOf(object)[6], Exported("_ZN18CSrcConvAggregatorD1Ev"));
-    EXPECT_EQ(TableOf(object)[7], Exported("_ZN18CSrcConvAggregatorD0Ev"));
+    EXPECT_EQ(SlotOf(object, 6), Exported("_ZN18CSrcConvAggregatorD1Ev"));
+    EXPECT_EQ(SlotOf(object, 7), Exported("_ZN18CSrcConvAggregatorD0Ev"));
     EXPECT_EQ(CallSlot<SWavFormat>(object, 8), kCompactDisc);
     unsigned char buffer[4];
     int read = 0;
