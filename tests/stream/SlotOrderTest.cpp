@@ -75,7 +75,7 @@ TEST_F(SourceSlots, OfThePrimaryTableAnswerInOrder) {
     EXPECT_EQ(CallSlot<int>(object, 14), 2);
     EXPECT_EQ((CallSlot<std::uint64_t, int>(object, 15, 1)), 22U);
     const char* const texts[] = {"artist", "title", "album", "year", "genre"};
-    for (int i = 0; i < 5; ++i) EXPECT_STREQ(CallSlot<const char*>(object, 16 + i), texts[i]);
+    for (std::size_t i = 0; i < 5; ++i) EXPECT_STREQ(CallSlot<const char*>(object, 16 + i), texts[i]);
     EXPECT_TRUE((CallSlot<bool, unsigned long, IStatus**>(object, 21, 7, nullptr)));
     EXPECT_EQ(m_script.m_seeks, std::vector<unsigned long>{7});
     EXPECT_EQ(CallSlot<SWavFormat>(object, 22), kCompactDisc);
@@ -119,7 +119,7 @@ TEST_F(SourceSlots, OfTheInfoFaceTitleStandsBeforeArtist) {
     void* const face = FaceBehind(Object(), 4);
     ExpectUnknownSlots(face, IID_IInfoReader);
     const char* const texts[] = {"title", "artist", "album", "year", "genre"};
-    for (int i = 0; i < 5; ++i) EXPECT_STREQ(CallSlot<const char*>(face, 3 + i), texts[i]);
+    for (std::size_t i = 0; i < 5; ++i) EXPECT_STREQ(CallSlot<const char*>(face, 3 + i), texts[i]);
 }
 
 TEST_F(SourceSlots, OfTheSeekableFace) {
@@ -144,7 +144,7 @@ protected:
     }
     ~TargetSlots() override { m_pStream->Release(); }
 
-    void ExpectWrites(void* face, int slot) {
+    void ExpectWrites(void* face, std::size_t slot) {
         unsigned char data[4] = {};
         EAudioRawState state = ARS_END;
         EXPECT_TRUE(
