@@ -58,9 +58,11 @@ TEST(SoxrRefusal, NullArgumentsOfTheFactoryAreBadArguments) {
     const CPluginUnderTest plugin;
     const SHeldWavFormat format = Held(44100, 16, 2);
     const SWavFormat* const record = &format.m_format;
-    IAudioConvertor* convertor = nullptr;
+    int somewhere = 0;
+    auto* convertor = reinterpret_cast<IAudioConvertor*>(&somewhere);
     CComPtr<IStatus> status;
     EXPECT_FALSE(plugin.Factory().CreateConvertor(nullptr, record, &convertor, status.Out()));
+    EXPECT_EQ(convertor, nullptr);
     EXPECT_EQ(status->GetAudioError(), AE_BAD_ARGUMENT);
     EXPECT_FALSE(plugin.Factory().CreateConvertor(record, nullptr, &convertor, status.Out()));
     EXPECT_EQ(status->GetAudioError(), AE_BAD_ARGUMENT);

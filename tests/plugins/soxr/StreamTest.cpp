@@ -76,6 +76,19 @@ TEST(SoxrStream, BytesAfterTheEndBeginAFreshStream) {
     EXPECT_EQ(ConvertAll(*convertor, second), expected);
 }
 
+TEST(SoxrStream, FrameThatTheResamplerCountsShortIsTheSameInAFreshStream) {
+    const CPluginUnderTest plugin;
+    const SHeldWavFormat from = Held(48000, 24, 1);
+    const SHeldWavFormat to = Held(44100, 24, 1);
+    // 240 frames are 220.5 frames at the other rate, of which libsoxr 0.1.3 makes 220.
+    const CBytes halfFrame = Packed(std::vector<int>(240, 4000000), 24);
+    const auto convertor = plugin.Create(from, to);
+    ConvertAll(*convertor, Packed(std::vector<int>(5000, 4000000), 24));
+    const CBytes output = ConvertAll(*convertor, halfFrame);
+    EXPECT_EQ(output.size(), 221U * 3);
+    EXPECT_EQ(output, ConvertAll(plugin, from, to, halfFrame));
+}
+
 TEST(SoxrStream, FreshStreamBeginsAlsoWhileTheTailIsStillWaiting) {
     const CPluginUnderTest plugin;
     const auto convertor = plugin.Create(kFrom, kTo);
