@@ -1,7 +1,6 @@
 // What a shared library shows, as nm tells it.
 #include "tests/build/ExportedSymbols.h"
 
-#include <algorithm>
 #include <sstream>
 #include <stdexcept>
 
@@ -18,25 +17,6 @@ bool IsOfASanitizer(const std::string& mangled) {
         if (StartsWith(mangled, prefix)) return true;
     }
     return false;
-}
-
-// "CStatus" of "CStatus::AddRef()", nothing of a name outside classes.
-std::string ClassOf(const std::string& name) {
-    const std::string scope = name.substr(0, name.find('('));
-    const std::size_t end = scope.find("::");
-    return end == std::string::npos ? "" : scope.substr(0, end);
-}
-
-// The class that a symbol of the compiler's making serves, else the name itself.
-std::string ServedClassMember(const std::string& name) {
-    for (const std::string prefix : {"vtable for ", "typeinfo for ", "typeinfo name for ", "non-virtual thunk to "}) {
-        if (StartsWith(name, prefix)) return name.substr(prefix.size()) + "::";
-    }
-    return name;
-}
-
-bool IsOfTheStandardLibrary(const std::string& name) {
-    return name.find("std::") != std::string::npos || name.find("__gnu") != std::string::npos;
 }
 
 std::vector<std::string> Listing(const std::string& options, const std::string& library) {
@@ -61,19 +41,4 @@ std::vector<SExportedSymbol> ReadExports(const std::string& library) {
         symbols.push_back({name, demangled[i].substr(address.size() + kind.size() + 2), kind[0]});
     }
     return symbols;
-}
-
-std::vector<std::string> FindForeignNames(const std::vector<std::string>& exported,
-                                          const std::set<std::string>& expected) {
-    std::set<std::string> classes;
-    for (const std::string& name : expected) classes.insert(ClassOf(name));
-    classes.erase("");
-
-    std::vector<std::string> foreign;
-    for (const std::string& name : exported) {
-        const bool belongs = expected.count(name) != 0 || classes.count(ClassOf(ServedClassMember(name))) != 0;
-        if (!belongs || IsOfTheStandardLibrary(name)) foreign.push_back(name);
-    }
-    std::sort(foreign.begin(), foreign.end());
-    return foreign;
 }
