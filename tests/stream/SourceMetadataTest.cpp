@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/stream/SourceFixture.h"
+#include "tests/support/FakeManager.h"
 
 namespace {
 
@@ -52,6 +53,26 @@ TEST_F(SourceMetadata, AnEmptyTagIsMissing) {
     m_script.m_pTitle = "Tag Title";
     ASSERT_TRUE(Wrap(nullptr));
     ExpectTexts("Band", "Song");
+}
+
+TEST_F(SourceMetadata, OrderTwoReplacesEvenAPresentTag) {
+    m_script.m_pArtist = "Tag Artist";
+    m_manager->SetFileNameOrder(2);
+    ASSERT_TRUE(Wrap(nullptr));
+    ExpectTexts("", "Band - Song");
+}
+
+TEST_F(SourceMetadata, WithoutTheProcesssManagerTheTagsStandAlone) {
+    m_manager.Release();
+    m_script.m_pTitle = " Tag Title ";
+    support::CFakeManager other;
+    IUnknown* stream = support::NewDecoder(m_script);
+    m_pAggregator = new CSrcConvAggregator(&other, &stream, nullptr);
+    ASSERT_TRUE(m_pAggregator->IsValid());
+    ExpectTexts("", " Tag Title ");
+    EXPECT_EQ(NameLookUps(), 0);
+    stream->Release();
+    EXPECT_EQ(other.References(), 0U);
 }
 
 TEST_F(SourceMetadata, AnUnusedNameStillTrimsTheTags) {

@@ -3,6 +3,7 @@
 
 #include "stream/SrcConvAggregator.h"
 #include "tests/stream/SourceFixture.h"
+#include "tests/support/FakeManager.h"
 
 namespace {
 
@@ -146,6 +147,17 @@ TEST_F(SrcConvAggregator, EnabledAdvancedFormatsNeedADecoderThatHasThem) {
     m_script.m_denied.insert(IID_IAdvancedFormat);
     ASSERT_TRUE(Wrap(nullptr));
     EXPECT_EQ(m_pAggregator->GetRealFormat(), kCompactDisc);
+}
+
+TEST_F(SrcConvAggregator, AManagerWithoutFeaturesHasNoAdvancedFormats) {
+    EnableAdvancedFormats();
+    support::CFakeManager other;
+    IUnknown* stream = support::NewDecoder(m_script);
+    auto* const source = new CSrcConvAggregator(&other, &stream, nullptr);
+    ASSERT_TRUE(source->IsValid());
+    EXPECT_FALSE(source->IsAdvancedFormatsEnabled());
+    EXPECT_EQ(source->GetRealFormat(), kCompactDisc);
+    stream->Release();
 }
 
 TEST_F(SrcConvAggregator, ANullWantedFormatKeepsTheQualifierAndConvertsNothing) {
