@@ -19,14 +19,15 @@ public:
 
 }  // namespace
 
-void* operator new(std::size_t size) {
+// Inlined, a pair of these would look to the compiler like an allocation that free must not take.
+__attribute__((noinline)) void* operator new(std::size_t size) {
     ++g_nAllocations;
     void* const memory = size < g_nRefusedSize ? std::malloc(size) : nullptr;
     if (memory == nullptr) throw std::bad_alloc();
     return memory;
 }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+__attribute__((noinline)) void operator delete(void* memory) noexcept { std::free(memory); }
+__attribute__((noinline)) void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace {
 
