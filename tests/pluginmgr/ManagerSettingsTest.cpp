@@ -135,8 +135,8 @@ TEST(Features, BasicIsSwitchedFreely) {
 }
 
 TEST(Features, AdvancedFormatsNeedBasicAFactoryAndItsConsent) {
-    const auto manager = ObtainManager();
     CFeatureFactory factory;
+    const auto manager = ObtainManager();
     EXPECT_FALSE(manager->EnableSupport(AF_ADVANCED_FORMATS, true));
     manager->EnableSupport(AF_BASIC, true);
     EXPECT_FALSE(manager->EnableSupport(AF_ADVANCED_FORMATS, true));
@@ -154,16 +154,16 @@ TEST(Features, AdvancedFormatsNeedBasicAFactoryAndItsConsent) {
 }
 
 TEST(Features, AdvancedFormatsAreRefusedWithoutBasicEvenWithAWillingFactory) {
-    const auto manager = ObtainManager();
     CFeatureFactory factory;
+    const auto manager = ObtainManager();
     manager->SetConvertor(&factory, nullptr);
     EXPECT_FALSE(manager->EnableSupport(AF_ADVANCED_FORMATS, true));
 }
 
 TEST(Features, AdvancedFormatsCanAlwaysBeSwitchedOff) {
+    CFeatureFactory factory;
     const auto manager = ObtainManager();
     EXPECT_TRUE(manager->EnableSupport(AF_ADVANCED_FORMATS, false));
-    CFeatureFactory factory;
     manager->SetConvertor(&factory, nullptr);
     manager->EnableSupport(AF_BASIC, true);
     manager->EnableSupport(AF_ADVANCED_FORMATS, true);
@@ -172,8 +172,8 @@ TEST(Features, AdvancedFormatsCanAlwaysBeSwitchedOff) {
 }
 
 TEST(Features, SwitchingBasicOffLeavesAdvancedFormatsOn) {
-    const auto manager = ObtainManager();
     CFeatureFactory factory;
+    const auto manager = ObtainManager();
     manager->SetConvertor(&factory, nullptr);
     manager->EnableSupport(AF_BASIC, true);
     manager->EnableSupport(AF_ADVANCED_FORMATS, true);
@@ -182,8 +182,8 @@ TEST(Features, SwitchingBasicOffLeavesAdvancedFormatsOn) {
 }
 
 TEST(Features, AFactorysExceptionPassesAndItsInterfaceIsReleased) {
-    const auto manager = ObtainManager();
     CFeatureFactory factory;
+    const auto manager = ObtainManager();
     factory.m_bThrows = true;
     manager->SetConvertor(&factory, nullptr);
     manager->EnableSupport(AF_BASIC, true);

@@ -10,10 +10,7 @@
 #include "stream/LiveAggregators.h"
 #include "tests/pluginmgr/Manager.h"
 #include "tests/pluginmgr/PluginDirectory.h"
-
-// Present only under a leak checker.
-extern "C" void __lsan_disable() __attribute__((weak));
-extern "C" void __lsan_enable() __attribute__((weak));
+#include "tests/support/ExpectedLeaks.h"
 
 namespace {
 
@@ -252,6 +249,7 @@ TEST(LoadPlugins, AnotherExceptionPassesWithTheCreationLockStillHeld) {
 
 TEST(LoadPlugins, AnExceptionOfAnInitialisationPassesWithTheCreationLockStillHeld) {
     const CPluginDirectory plugins({"initialize_throws"});
+    const CExpectedLeaks leaks;  // the library never gets unloaded
     const auto manager = ObtainManager();
     manager->SetPluginDirectory(plugins.Path().c_str());
     EXPECT_THROW(manager->LoadPlugins(), std::runtime_error);
@@ -392,6 +390,7 @@ TEST(CanUnloadPlugins, IsFalseWhileAPluginIsNotReady) {
 
 TEST(CanUnloadPlugins, AnIntOfAPluginCountsAsNotReady) {
     const CPluginDirectory plugins({"ready_throws_int"});
+    const CExpectedLeaks leaks;  // the library never gets unloaded
     const CLoadedManager manager(plugins);
     EXPECT_FALSE(manager->CanUnloadPlugins());
     EXPECT_TRUE(IsCreationLockFree());
@@ -435,14 +434,13 @@ TEST(UnloadPlugins, LeavesTheCreationLockFree) {
 
 TEST(DestroyedManager, LeavesPluginsLoaded) {
     const CPluginDirectory plugins({"decoder"});
-    if (__lsan_disable != nullptr) __lsan_disable();  // the library objects are left behind on purpose
     {
+        const CExpectedLeaks leaks;  // the library objects stay behind
         const auto manager = ObtainManager();
         manager->SetPluginDirectory(plugins.Path().c_str());
         manager->LoadPlugins();
         plugins.ClearLog();
     }
-    if (__lsan_enable != nullptr) __lsan_enable();
     EXPECT_TRUE(plugins.Log().empty());
     EXPECT_TRUE(IsMapped(plugins.File("decoder.so")));
 }
