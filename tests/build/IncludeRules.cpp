@@ -14,6 +14,7 @@ namespace fs = std::filesystem;
 // From the ground up.
 const std::vector<std::string> kLayers = {"portable", "com", "stream", "pluginmgr", "dialog"};
 const std::vector<std::string> kClients = {"host", "plugins", "examples"};
+const std::string kSharedByPlugins = "plugins/shared";
 const std::set<std::string> kManagerForClients = {"pluginmgr/AudioPluginMgr.h", "pluginmgr/GetAudioPluginMgr.h"};
 
 struct SInclude {
@@ -47,7 +48,7 @@ bool NamesAFileFromTheRoot(const fs::path& root, const std::string& path) {
            fs::is_regular_file(root / path);
 }
 
-// Each plug-in and each example stands alone; the host is one program.
+// Each plug-in and each example stands alone, but for what all plug-ins share; the host is one program.
 std::string ClientOf(const std::string& path) {
     const std::string folder = FolderOf(path);
     if (folder == "host") return folder;
@@ -80,7 +81,9 @@ std::optional<std::string> ClientComplaint(const std::string& file, const SInclu
                                            const std::set<std::string>& publicHeaders) {
     const std::string folder = FolderOf(include.m_strPath);
     if (!Contains(kLayers, folder)) {
-        if (ClientOf(include.m_strPath) == ClientOf(file)) return std::nullopt;
+        const std::string client = ClientOf(include.m_strPath);
+        const bool shared = client == kSharedByPlugins && FolderOf(file) == "plugins";
+        if (shared || client == ClientOf(file)) return std::nullopt;
         return Complaint(file, include, "neither its own nor the library's");
     }
     if (publicHeaders.count(include.m_strPath) == 0) return Complaint(file, include, "not a public header");

@@ -142,6 +142,17 @@ TEST(PlantedFiles, APluginDoesNotIncludeAnotherOne) {
     EXPECT_THAT(copy.NewViolations(), testing::ElementsAre(testing::HasSubstr("neither its own nor the library's")));
 }
 
+TEST(PlantedFiles, PluginsIncludeWhatTheyShareAndNobodyElseDoes) {
+    CTreeCopy copy;
+    copy.Plant("plugins/shared/Planted.h", "");
+    copy.Plant("plugins/one/One.cpp", "#include \"plugins/shared/Planted.h\"\n");
+    EXPECT_THAT(copy.NewViolations(), testing::IsEmpty());
+    copy.Plant("host/Planted.cpp", "#include \"plugins/shared/Planted.h\"\n");
+    copy.Plant("plugins/one/One.h", "");
+    copy.Plant("plugins/shared/Other.h", "#include \"plugins/one/One.h\"\n");
+    EXPECT_THAT(copy.NewViolations(), testing::SizeIs(2));
+}
+
 TEST(PlantedFiles, TheLibraryDoesNotIncludeAPlugin) {
     CTreeCopy copy;
     copy.Plant("plugins/one/One.h", "");
