@@ -1,6 +1,8 @@
 // The decoder component.
 #include "plugins/sndfile/Decoder.h"
 
+#include <libintl.h>
+
 #include "com/ComPtr.h"
 #include "com/QueryTable.h"
 #include "plugins/sndfile/DecoderStream.h"
@@ -13,7 +15,8 @@ int CDecoder::QueryInterface(unsigned long identity, void** face) {
     return AnswerQuery(*this, identity, face,
                        {{IID_IUnknown, static_cast<IAudioComponent*>(this)},
                         {IID_IAudioFileOpener, static_cast<IAudioFileOpenerOperations*>(this)},
-                        {IID_IExtensionList, static_cast<IExtensionList*>(this)}});
+                        {IID_IExtensionList, static_cast<IExtensionList*>(this)},
+                        {IID_IComponentAbout, static_cast<IComponentAbout*>(this)}});
 }
 
 bool CDecoder::Open(const char* path, IUnknown** stream, EAuxFlags /*required*/, EAuxFlags /*excluded*/,
@@ -34,3 +37,5 @@ bool CDecoder::Open(const char* path, IUnknown** stream, EAuxFlags /*required*/,
 const char* CDecoder::GetAt(int n) {
     return n >= 0 && n < GetCount() ? m_vExtensions[static_cast<std::size_t>(n)] : nullptr;
 }
+
+const char* CDecoder::AboutFormat() const { return dgettext(kTextDomain, "Reads sound files with %s."); }

@@ -3,11 +3,11 @@
 
 #include <vector>
 
-#include "plugins/sndfile/Component.h"
+#include "plugins/sndfile/CodecComponent.h"
 #include "stream/FileOpener.h"
 
 // Opens what the installed libsndfile reads. [any thread]
-class CDecoder final : public CComponent<IAudioFileOpener, IExtensionList> {
+class CDecoder final : public CCodecComponent<IAudioFileOpener, IExtensionList> {
 public:
     CDecoder();
 
@@ -27,5 +27,7 @@ public:
     const char* GetAt(int n) override;
 
 private:
+    const char* AboutFormat() const override;
+
     std::vector<const char*> m_vExtensions;
 };

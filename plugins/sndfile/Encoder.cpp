@@ -1,6 +1,8 @@
 // The encoder component.
 #include "plugins/sndfile/Encoder.h"
 
+#include <libintl.h>
+
 #include "com/QueryTable.h"
 #include "plugins/sndfile/EncoderTarget.h"
 #include "plugins/sndfile/OutputFormat.h"
@@ -10,7 +12,8 @@ int CEncoder::QueryInterface(unsigned long identity, void** face) {
     return AnswerQuery(*this, identity, face,
                        {{IID_IUnknown, static_cast<IAudioComponent*>(this)},
                         {IID_IExtensionList, static_cast<IExtensionList*>(this)},
-                        {IID_IAudioTargetOpener, static_cast<IAudioTargetOpener*>(this)}});
+                        {IID_IAudioTargetOpener, static_cast<IAudioTargetOpener*>(this)},
+                        {IID_IComponentAbout, static_cast<IComponentAbout*>(this)}});
 }
 
 int CEncoder::GetCount() { return OutputFormatCount(); }
@@ -34,3 +37,5 @@ bool CEncoder::OpenTarget(const char* path, const char* extension, IAudioTarget*
         return true;
     });
 }
+
+const char* CEncoder::AboutFormat() const { return dgettext(kTextDomain, "Writes WAV and FLAC files with %s."); }

@@ -1,12 +1,12 @@
 // The encoder component.
 #pragma once
 
-#include "plugins/sndfile/Component.h"
+#include "plugins/sndfile/CodecComponent.h"
 #include "stream/AudioTargetOpener.h"
 #include "stream/FileOpener.h"
 
 // Writes WAV and FLAC files. [any thread]
-class CEncoder final : public CComponent<IExtensionList, IAudioTargetOpener> {
+class CEncoder final : public CCodecComponent<IExtensionList, IAudioTargetOpener> {
 public:
     int QueryInterface(unsigned long identity, void** face) override;
 
@@ -19,4 +19,7 @@ public:
     const char* GetAt(int n) override;
 
     bool OpenTarget(const char* path, const char* extension, IAudioTarget** target, IStatus** status) override;
+
+private:
+    const char* AboutFormat() const override;
 };

@@ -23,7 +23,7 @@ CConversion::CConversion(const SConversionPlan& plan)
       m_requantiser(plan.WorkingBits(), plan.m_to.nBitsPerSample),
       m_input(Samples(kBlockFrames, std::max(plan.m_from.nChannels, plan.m_to.nChannels))) {
     if (!plan.Resamples()) return;
-    m_resampler.emplace(plan.m_from.nSampleRate, plan.m_to.nSampleRate, plan.WorkingChannels());
+    m_resampler.emplace(plan.m_from.nSampleRate, plan.m_to.nSampleRate, plan.WorkingChannels(), plan.m_eQuality);
     m_output.resize(Samples(kBlockFrames, plan.m_to.nChannels));
 }
 

@@ -4,12 +4,14 @@
 #include <cstdint>
 #include <string>
 
+#include "plugins/soxr/ResamplingQuality.h"
 #include "stream/WavFormat.h"
 
 // A conversion that WhyNotConvertible finds nothing against.
 struct SConversionPlan {
     SWavFormat m_from;
     SWavFormat m_to;
+    EResamplingQuality m_eQuality = EResamplingQuality::High;
 
     bool Resamples() const { return m_from.nSampleRate != m_to.nSampleRate; }
     bool MixesDown() const { return m_from.nChannels > m_to.nChannels; }

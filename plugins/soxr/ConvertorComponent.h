@@ -2,12 +2,17 @@
 #pragma once
 
 #include "com/AudioComponent.h"
+#include "com/Configurable.h"
 #include "com/FeatureSupport.h"
 #include "com/ReferenceCount.h"
 #include "stream/Convertor.h"
 
 // Lives as long as the plug-in stays loaded; its references are only counted. [any thread]
-class CConvertorComponent final : public IAudioComponent, public IConvertorFactory, public IFeatureSupport {
+class CConvertorComponent final : public IAudioComponent,
+                                  public IConvertorFactory,
+                                  public IFeatureSupport,
+                                  public IConfigurable,
+                                  public IComponentAbout {
 public:
     unsigned int AddRef() override;
     unsigned int Release() override;
@@ -28,6 +33,15 @@ public:
     bool IsSupported(EAudioFeature feature) override;
     bool EnableSupport(EAudioFeature feature, bool enable) override;
 
+    // The resampling quality of convertors made afterwards. False, with nothing changed, where GTK 2 cannot show the
+    // dialog.
+    bool Configure() override;
+
+    const char* GetVendor() override;
+    bool HasAbout() override;
+    void About() override;
+
 private:
+    IAudioPluginMgr* m_pManager = nullptr;  // borrowed until Terminate
     CReferenceCount m_references{0};
 };

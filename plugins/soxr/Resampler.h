@@ -7,11 +7,13 @@
 #include <cstdint>
 #include <memory>
 
+#include "plugins/soxr/ResamplingQuality.h"
+
 // Interleaved 32-bit samples at one rate in, at another out, without delay. One object belongs to one thread.
 // Operations throw std::runtime_error with soxr's own words when soxr fails.
 class CResampler {
 public:
-    CResampler(int fromRate, int toRate, int channels);
+    CResampler(int fromRate, int toRate, int channels, EResamplingQuality quality);
 
     struct SProgress {
         std::size_t m_nTaken;
