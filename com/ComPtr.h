@@ -58,8 +58,11 @@ public:
         return object;
     }
 
-    // Empties the pointer, then releases what it held.
-    void Reset() { CComPtr().Swap(*this); }
+    // Releases what the pointer holds, then empties it.
+    void Reset() {
+        if (m_pObject != nullptr) m_pObject->Release();
+        m_pObject = nullptr;
+    }
 
     // The address for an out-parameter that hands a reference over; what the pointer held is released first.
     T** Out() {

@@ -2,20 +2,10 @@
 #include "pluginmgr/AudioPluginMgr.h"
 
 #include "com/QueryTable.h"
-#include "portable/PosixSingleLock.h"
+#include "pluginmgr/CreationLock.h"
 
 CPosixMutex m_sectPMCreation(0);
 CAudioPluginMgr* g_pAudioPluginMgr = nullptr;
-
-namespace {
-
-void Publish(CAudioPluginMgr* manager, const SMetadataSettings* settings) {
-    const CPosixSingleLock lock(&m_sectPMCreation, 1);
-    g_pAudioPluginMgr = manager;
-    g_pMetadataSettings = settings;
-}
-
-}  // namespace
 
 CAudioPluginMgr::CAudioPluginMgr()
     : m_references(0),
@@ -23,18 +13,36 @@ CAudioPluginMgr::CAudioPluginMgr()
       m_mtxReceivers(0),
       m_pAppWindow(nullptr),
       m_bFeatureBasic(false),
-      m_bFeatureAdvancedFormats(false) {
-    Publish(this, &m_metadataSettings);
+      m_bFeatureAdvancedFormats(false),
+      m_mtxComponentOrder(0) {
+    const CCreationLock lock;
+    g_pAudioPluginMgr = this;
+    g_pMetadataSettings = &m_metadataSettings;
 }
 
 // Plug-ins stay loaded and components keep their references: giving them back is UnloadPlugins' work alone.
-CAudioPluginMgr::~CAudioPluginMgr() { Publish(nullptr, nullptr); }
+CAudioPluginMgr::~CAudioPluginMgr() { Withdraw(); }
+
+void CAudioPluginMgr::Withdraw() {
+    const CCreationLock lock;
+    if (g_pAudioPluginMgr != this) return;
+    g_pAudioPluginMgr = nullptr;
+    g_pMetadataSettings = nullptr;
+}
+
+// Between the count's step to 0 and the lock another thread may have been handed the manager again, or have ended it.
+bool CAudioPluginMgr::WithdrawUnreferenced(CAudioPluginMgr* manager) {
+    const CCreationLock lock;
+    if (g_pAudioPluginMgr != manager || manager->m_references.Value() != 0) return false;
+    manager->Withdraw();
+    return true;
+}
 
 unsigned int CAudioPluginMgr::AddRef() { return m_references.Increment(); }
 
 unsigned int CAudioPluginMgr::Release() {
     const unsigned int count = m_references.Decrement();
-    if (count == 0) delete this;
+    if (count == 0 && WithdrawUnreferenced(this)) delete this;
     return count;
 }
 

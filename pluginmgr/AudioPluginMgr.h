@@ -35,14 +35,14 @@ extern KELO_EXPORT CAudioPluginMgr* g_pAudioPluginMgr;
 // At most one exists in a process; GetAudioPluginMgr makes it. Its count starts at 0 and the last Release destroys it,
 // without unloading plug-ins: hosts call UnloadPlugins as often as LoadPlugins before.
 // The thread rules of the operations are those of the interfaces.
-class KELO_EXPORT CAudioPluginMgr final : public IAudioPluginMgr,
-                                          public IComponentEnum,
-                                          public IProfile,
-                                          public IConfigurable,
-                                          public IAudioPluginMgrInternal,
-                                          public IComponentOrderMgr,
-                                          public IAppWindow,
-                                          public IFeatureSupport {
+class KELO_EXPORT CAudioPluginMgr : public IAudioPluginMgr,
+                                    public IComponentEnum,
+                                    public IProfile,
+                                    public IConfigurable,
+                                    public IAudioPluginMgrInternal,
+                                    public IComponentOrderMgr,
+                                    public IAppWindow,
+                                    public IFeatureSupport {
 public:
     CAudioPluginMgr();
 
@@ -130,12 +130,14 @@ public:
     };
 
 private:
+    KELO_HIDDEN void Withdraw();
+    KELO_HIDDEN static bool WithdrawUnreferenced(CAudioPluginMgr* manager);
     KELO_HIDDEN void ScanPluginDirectory();
     KELO_HIDDEN void LoadPluginFile(const char* path);
     KELO_HIDDEN void RegisterPrimaryComponent(CAudioPluginLib& library, const char* path);
     KELO_HIDDEN void DiscardLastLibrary(std::size_t componentsBefore);
     KELO_HIDDEN void InitializeComponents();
-    KELO_HIDDEN bool InitializeComponent(IAudioComponent& component);
+    KELO_HIDDEN bool InitializeComponent(IAudioComponent& component, IStatus** status);
     KELO_HIDDEN void EraseComponent(std::size_t position);
     KELO_HIDDEN void RegisterMembers(IAudioComponent* collection, const char* libraryFileName);
     KELO_HIDDEN std::vector<CComPtr<IAudioComponent>> ListDecoders();
@@ -166,4 +168,5 @@ private:
     _GtkWindow* m_pAppWindow;  // borrowed
     bool m_bFeatureBasic;
     bool m_bFeatureAdvancedFormats;
+    CPosixMutex m_mtxComponentOrder;
 };

@@ -4,6 +4,7 @@
 #include "com/ComponentList.h"
 #include "com/InterfaceIds.h"
 #include "pluginmgr/AudioPluginMgr.h"
+#include "portable/PosixSingleLock.h"
 #include "portable/UnicodeStrings.h"
 
 void CAudioPluginMgr::AddComponent(IAudioComponent* component, const char* libraryFileName, int index) {
@@ -16,10 +17,11 @@ void CAudioPluginMgr::AddComponent(IAudioComponent* component, const char* libra
     identity->m_strLibraryFileName = libraryFileName;
     identity->m_nIndex = index;
     m_vComponents.reserve(m_vComponents.size() + 1);
-    m_vIdentities.push_back(std::move(identity));
+    m_vIdentities.reserve(m_vIdentities.size() + 1);
     component->AddRef();
     m_vComponents.push_back(component);
-    // The look-up changes nothing; it is part of how a registration is seen from outside.
+    m_vIdentities.push_back(std::move(identity));
+    // Deliberate: changes nothing.
     COMPONENT_INFO unused;
     GetComponentInfo(component, &unused);
     component->Release();
@@ -76,6 +78,7 @@ bool CAudioPluginMgr::Get(EAudioComponentType type, IComponentEnum** components)
     if (components == nullptr || type != ACT_DECODER) return false;
     auto list = CComPtr<CComponentEnum>::Adopt(new CComponentEnum);
     std::vector<CComPtr<IAudioComponent>> unused = ListDecoders();
+    const CPosixSingleLock lock(&m_mtxComponentOrder, 1);
 
     // Without any decoder the order stays as it is.
     const bool prunes = !unused.empty();
@@ -101,6 +104,7 @@ bool CAudioPluginMgr::Set(IAudioComponent** /*components*/, int /*count*/) { ret
 bool CAudioPluginMgr::GetUnsupportedComponents(IComponentEnum** /*components*/) { return false; }
 
 void CAudioPluginMgr::SetComponentOrder(const char* const* identities, int count) {
+    const CPosixSingleLock lock(&m_mtxComponentOrder, 1);
     m_vComponentOrder.clear();
     for (int i = 0; i < count; ++i) m_vComponentOrder.emplace_back(identities[i]);
 }

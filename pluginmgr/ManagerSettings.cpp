@@ -63,8 +63,10 @@ bool CAudioPluginMgr::EnableSupport(EAudioFeature feature, bool enable) {
 }
 
 bool CAudioPluginMgr::EnableAdvancedFormats() {
-    if (!m_bFeatureBasic) return false;
-    const auto features = CComPtr<IFeatureSupport>::Query(m_pConvertorFactory.Get(), IID_IFeatureSupport);
+    if (!m_bFeatureBasic || !m_pConvertorFactory) return false;
+    void* face = nullptr;
+    m_pConvertorFactory->QueryInterface(IID_IFeatureSupport, &face);
+    const auto features = CComPtr<IFeatureSupport>::Adopt(static_cast<IFeatureSupport*>(face));
     if (!features || !features->IsSupported(AF_ADVANCED_FORMATS)) return false;
     m_bFeatureAdvancedFormats = true;
     return true;

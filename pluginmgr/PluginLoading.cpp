@@ -3,20 +3,27 @@
 
 #include "com/InterfaceIds.h"
 #include "pluginmgr/AudioPluginLib.h"
-#include "pluginmgr/AudioPluginMgr.h"
+#include "pluginmgr/CreationLock.h"
 #include "portable/DirEntry.h"
 #include "portable/DynamicLibrary.h"
 #include "portable/PortableFile.h"
-#include "portable/PosixSingleLock.h"
 #include "stream/LiveAggregators.h"
 
 namespace {
 
+// What the component stores counts, whatever result it gives.
+template <typename T>
+void QueryInto(IAudioComponent& component, unsigned long identity, CComPtr<T>& member) {
+    void* face = nullptr;
+    component.QueryInterface(identity, &face);
+    member = CComPtr<T>::Adopt(static_cast<T*>(face));
+}
+
 // Releases a held reference and tells which object it was.
 template <typename T>
 T* GiveUp(CComPtr<T>& member) {
-    T* const object = member.Get();
-    member.Reset();
+    T* const object = member.Detach();
+    if (object != nullptr) object->Release();
     return object;
 }
 
@@ -73,7 +80,7 @@ bool CAudioPluginMgr::LoadPlugins() {
     }
     m_sectPMCreation.Lock(kInfiniteTimeout);
     if (m_strPluginDirectory.IsEmpty()) m_strPluginDirectory = ".";
-    // A plug-in's exception passes with the lock still held, as hosts have always seen it.
+    // A plug-in's exception passes with the lock still held: deliberate.
     DoLoadPlugins();
     m_loads.Increment();
     m_sectPMCreation.Unlock();
@@ -81,7 +88,7 @@ bool CAudioPluginMgr::LoadPlugins() {
 }
 
 void CAudioPluginMgr::DoLoadPlugins() {
-    CanUnloadPlugins();
+    CanUnloadPlugins();  // deliberate, like the one below: nobody asks for the result
     const CCurrentDirectory directory(m_strPluginDirectory.GetText());
     if (directory.IsEntered()) ScanPluginDirectory();
     InitializeComponents();
@@ -118,9 +125,12 @@ void CAudioPluginMgr::RegisterPrimaryComponent(CAudioPluginLib& library, const c
 }
 
 void CAudioPluginMgr::DiscardLastLibrary(std::size_t componentsBefore) {
-    while (m_vComponents.size() > componentsBefore) {
-        m_vComponents.back()->Release();
-        EraseComponent(m_vComponents.size() - 1);
+    for (; m_vComponents.size() > componentsBefore; EraseComponent(m_vComponents.size() - 1)) {
+        try {
+            m_vComponents.back()->Release();
+        } catch (int) {
+            // The component is forgotten all the same: its code is about to leave the process.
+        }
     }
     delete m_vLibraries.back();
     m_vLibraries.pop_back();
@@ -130,7 +140,8 @@ void CAudioPluginMgr::InitializeComponents() {
     std::size_t count = m_vComponents.size();
     for (std::size_t position = 0; position < count;) {
         IAudioComponent* const component = m_vComponents[position];
-        if (component != nullptr && InitializeComponent(*component)) {
+        CComPtr<IStatus> status;  // released last, unread
+        if (component != nullptr && InitializeComponent(*component, status.Out())) {
             ++position;
             continue;
         }
@@ -140,14 +151,13 @@ void CAudioPluginMgr::InitializeComponents() {
     }
 }
 
-bool CAudioPluginMgr::InitializeComponent(IAudioComponent& component) {
-    CComPtr<IStatus> status;
-    if (!component.Initialize(this, status.Out())) return false;
+bool CAudioPluginMgr::InitializeComponent(IAudioComponent& component, IStatus** status) {
+    if (!component.Initialize(this, status)) return false;
     if (component.GetType() == ACT_CONVERTOR && !m_pConvertorFactory) {
-        m_pConvertorFactory = CComPtr<IConvertorFactory>::Query(&component, IID_IConvertorFactory);
+        QueryInto(component, IID_IConvertorFactory, m_pConvertorFactory);
     }
     if (component.GetType() == ACT_URL_HANDLER && !m_pURLSourceHandler) {
-        m_pURLSourceHandler = CComPtr<IURLSourceHandler>::Query(&component, IID_IURLSourceHandler);
+        QueryInto(component, IID_IURLSourceHandler, m_pURLSourceHandler);
     }
     return true;
 }
@@ -163,10 +173,11 @@ bool CAudioPluginMgr::CanUnloadPlugins() {
     const bool streaming = AnyAggregatorAlive();
     if (!loaded || streaming) return false;
 
-    // The plug-ins are asked while the manager itself holds nothing of theirs but components.
+    // The plug-ins are asked while the manager itself holds nothing of theirs but components. Deliberate: an object
+    // that nobody else holds ends here.
     IConvertorFactory* const factory = GiveUp(m_pConvertorFactory);
     IURLSourceHandler* const handler = GiveUp(m_pURLSourceHandler);
-    const CPosixSingleLock lock(&m_sectPMCreation, 1);
+    const CCreationLock lock;
     const CReturnedReference<IURLSourceHandler> handlerReturns(m_pURLSourceHandler, handler);
     const CReturnedReference<IConvertorFactory> factoryReturns(m_pConvertorFactory, factory);
     return std::all_of(m_vLibraries.begin(), m_vLibraries.end(),
@@ -177,10 +188,10 @@ bool CAudioPluginMgr::UnloadPlugins() {
     if (m_loads.Value() == 0 || !CanUnloadPlugins()) return false;
     if (m_loads.Decrement() != 0) return true;
 
-    const CPosixSingleLock lock(&m_sectPMCreation, 1);
+    const CCreationLock lock;
     // Whoever installed the factory: the host's own is released here as well.
-    m_pConvertorFactory.Reset();
-    m_pURLSourceHandler.Reset();
+    GiveUp(m_pConvertorFactory);
+    GiveUp(m_pURLSourceHandler);
     for (IAudioComponent* const component : m_vComponents) {
         component->Terminate();
         component->Release();

@@ -3,6 +3,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <utility>
+
 #include "com/InterfaceIds.h"
 #include "com/StatusObject.h"
 #include "pluginmgr/AudioPluginMgr.h"
@@ -40,7 +42,9 @@ bool CAudioPluginMgr::SetConvertor(IConvertorFactory* factory, IStatus** status)
         ReportStatus(status, AE_BAD_ARGUMENT);
         return false;
     }
-    m_pConvertorFactory = CComPtr<IConvertorFactory>(factory);
+    CComPtr<IConvertorFactory> next(factory);
+    m_pConvertorFactory.Reset();
+    m_pConvertorFactory = std::move(next);
     return true;
 }
 
@@ -84,9 +88,10 @@ bool CAudioPluginMgr::OpenRemote(const char* url, IUnknown** stream, int pass, E
     const CComPtr<IComponentEnum> registry(static_cast<IComponentEnum*>(this));
     char localPath[kLocalPathCapacity] = "";
     CComPtr<IStatus> report;
-    const auto handler = FetchRemote(*registry, url, static_cast<EURLType>(GetURLType(url)), localPath,
-                                     status != nullptr ? &report : nullptr);
-    if (!handler) return FailToOpen(stream, nullptr, status);
+    const SFetchedSource source = FetchRemote(*registry, url, static_cast<EURLType>(GetURLType(url)), localPath,
+                                              status != nullptr ? &report : nullptr);
+    if (!source.m_pHandler) return FailToOpen(stream, nullptr, status);
+    localPath[kLocalPathCapacity - 1] = '\0';
     CComPtr<IStatus> reason;
     const bool opened =
         OpenURLAudioFile(localPath, stream, pass, required, excluded, status != nullptr ? reason.Out() : nullptr);

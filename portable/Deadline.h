@@ -5,8 +5,7 @@
 #include <time.h>
 
 // `now` plus `timeoutMs` on the wall clock.
-// Only nanoseconds above 1,000,000,000 are carried; exactly 1,000,000,000 stays as it is, as callers of this layer
-// have always seen it.
+// Only nanoseconds above 1,000,000,000 are carried; exactly 1,000,000,000 stays as it is: deliberate.
 constexpr timespec DeadlineAfter(const timeval& now, unsigned int timeoutMs) {
     constexpr long kNanosecondsPerSecond = 1000000000L;
     timespec deadline{};

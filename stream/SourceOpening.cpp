@@ -1,11 +1,12 @@
 // Fetching a remote source and choosing the decoder that opens a local file.
 #include "stream/SourceOpening.h"
 
-#include <strings.h>
+#include <utility>
 
 #include "com/AudioComponent.h"
 #include "com/InterfaceIds.h"
 #include "portable/PortableFile.h"
+#include "stream/AsciiCase.h"
 #include "stream/FileOpener.h"
 #include "stream/GuardedCall.h"
 
@@ -25,7 +26,7 @@ bool Lists(IExtensionList& list, const CBasicString<char>& extension) {
     const int count = list.GetCount();
     for (int i = 0; i < count; ++i) {
         const char* const listed = list.GetAt(i);
-        if (listed != nullptr && strcasecmp(listed, extension.GetText() + 1) == 0) return true;
+        if (listed != nullptr && EqualIgnoringAsciiCase(listed, extension.GetText() + 1)) return true;
     }
     return false;
 }
@@ -67,11 +68,11 @@ bool OpenWithDecoders(IComponentEnum& decoders, const SOpenRequest& request, CCo
     return RunPass(decoders, request, 0, refusal) || RunPass(decoders, request, 1, refusal);
 }
 
-CComPtr<IURLSourceHandler> FetchRemote(IComponentEnum& registry, const char* url, EURLType type, char* localPath,
-                                       CComPtr<IStatus>* report) {
+SFetchedSource FetchRemote(IComponentEnum& registry, const char* url, EURLType type, char* localPath,
+                           CComPtr<IStatus>* report) {
     const int count = registry.GetCount();
     for (int i = 0; i < count; ++i) {
-        const auto component = ComponentAt(registry, i);
+        auto component = ComponentAt(registry, i);
         if (!component || component->GetType() != ACT_URL_HANDLER) continue;
         auto handler = CComPtr<IURLSourceHandler>::Query(component.Get(), IID_IURLSourceHandler);
         if (!handler || (handler->GetProtocols() & static_cast<unsigned int>(type)) == 0) continue;
@@ -79,7 +80,7 @@ CComPtr<IURLSourceHandler> FetchRemote(IComponentEnum& registry, const char* url
         CComPtr<IStatus> status;
         const bool fetched = handler->Fetch(url, localPath, 0, report != nullptr ? status.Out() : nullptr);
         if (report != nullptr && status) *report = status;
-        if (fetched) return handler;
+        if (fetched) return {std::move(component), std::move(handler)};
     }
-    return nullptr;
+    return {};
 }

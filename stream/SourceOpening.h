@@ -1,6 +1,7 @@
 // Fetching a remote source and choosing the decoder that opens a local file.
 #pragma once
 
+#include "com/AudioComponent.h"
 #include "com/ComPtr.h"
 #include "com/ComponentEnum.h"
 #include "stream/URLSourceHandler.h"
@@ -15,12 +16,18 @@ struct SOpenRequest {
     EAuxFlags m_eExcluded;
 };
 
+// Who fetched a remote source and keeps the file; both empty when nobody did.
+struct SFetchedSource {
+    CComPtr<IAudioComponent> m_pComponent;
+    CComPtr<IURLSourceHandler> m_pHandler;
+};
+
 // Tries the decoders in the order of `decoders` until one opens the file. On failure `refusal` holds the last status
 // of a decoder that lists the file's extension, if any. [any thread]
 bool OpenWithDecoders(IComponentEnum& decoders, const SOpenRequest& request, CComPtr<IStatus>& refusal);
 
 // Asks the URL handlers in the order of `registry` until one has made `url` a local file in `localPath`, a buffer of
-// kLocalPathCapacity bytes. Returns that handler, which keeps the file, or an empty pointer. What the handlers reported
-// goes into `report`, which is null when nobody asked. [any thread]
-CComPtr<IURLSourceHandler> FetchRemote(IComponentEnum& registry, const char* url, EURLType type, char* localPath,
-                                       CComPtr<IStatus>* report);
+// kLocalPathCapacity bytes. What the handlers reported goes into `report`, which is null when nobody asked. [any
+// thread]
+SFetchedSource FetchRemote(IComponentEnum& registry, const char* url, EURLType type, char* localPath,
+                           CComPtr<IStatus>* report);

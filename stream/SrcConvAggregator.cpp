@@ -7,6 +7,7 @@
 #include "com/QueryTable.h"
 #include "stream/GuardedCall.h"
 #include "stream/SourceLimits.h"
+#include "stream/StatusSlot.h"
 
 namespace {
 
@@ -27,8 +28,10 @@ CSrcConvAggregator::CSrcConvAggregator(IAudioPluginMgr* manager, IUnknown** stre
     m_pManager = CComPtr<IAudioPluginMgr>(manager);
     m_pDecoder = CComPtr<IUnknown>(*stream);
     if (!Adopt(stream)) return;
+    CComPtr<IAdvancedFormat> advanced;
     try {
-        ReadFormats(wanted);
+        advanced = CComPtr<IAdvancedFormat>::Query(m_pReader.Get(), IID_IAdvancedFormat);
+        ReadFormats(advanced.Get(), wanted);
     } catch (...) {
         m_pAggregatable->SetAggregator(nullptr);
         throw;
@@ -57,9 +60,8 @@ bool CSrcConvAggregator::Adopt(IUnknown** stream) {
     return complete && m_pAggregatable->SetAggregator(static_cast<IAudioRawReader*>(this));
 }
 
-void CSrcConvAggregator::ReadFormats(const SWavFormat* wanted) {
-    const auto advanced = CComPtr<IAdvancedFormat>::Query(m_pReader.Get(), IID_IAdvancedFormat);
-    if (advanced && IsAdvancedFormatsEnabled()) {
+void CSrcConvAggregator::ReadFormats(IAdvancedFormat* advanced, const SWavFormat* wanted) {
+    if (advanced != nullptr && IsAdvancedFormatsEnabled()) {
         m_realFormat.m_held = advanced->GetAdvancedFormat().m_held;
     } else {
         m_realFormat.m_held = {m_pReader->GetRawFormat(), 0};
@@ -105,13 +107,14 @@ int CSrcConvAggregator::QueryInterface(unsigned long identity, void** face) {
 }
 
 bool CSrcConvAggregator::Start(IStatus** status) {
-    if (!CallGuarded([&] { return m_pProcess->Start(status); })) return false;
-    if (m_realFormat.m_held == m_rawFormat || CallGuarded([&] { return CreateConvertor(status); })) {
+    CStatusSlot slot(status);
+    if (!CallGuarded([&] { return m_pProcess->Start(slot.Lend()); })) return false;
+    if (m_realFormat.m_held == m_rawFormat || CallGuarded([&] { return CreateConvertor(slot.Lend()); })) {
         m_pConversionBuffer.reset(new (std::nothrow) unsigned char[kConversionBufferSize]);
         if (m_pConversionBuffer) return true;
     }
     m_pConvertor.Reset();
-    CallGuarded([&] { return m_pProcess->End(status); });
+    CallGuarded([&] { return m_pProcess->End(slot.Lend()); });
     return false;
 }
 

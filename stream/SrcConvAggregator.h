@@ -18,13 +18,13 @@
 // Outer object of a decoder stream. Byte counts are bytes of the raw format; positions and lengths are sample frames.
 // Shares the decoder's reference count and ends when only its own references on the decoder are left.
 // One stream is driven by one thread at a time. [stream-thread]
-class KELO_EXPORT CSrcConvAggregator final : public IProcess,
-                                             public IAudioRawReader,
-                                             public IAudioRawBlockInfo,
-                                             public IIndexArray,
-                                             public IInfoReader,
-                                             public ISeekable,
-                                             public IRealFormat {
+class KELO_EXPORT CSrcConvAggregator : public IProcess,
+                                       public IAudioRawReader,
+                                       public IAudioRawBlockInfo,
+                                       public IIndexArray,
+                                       public IInfoReader,
+                                       public ISeekable,
+                                       public IRealFormat {
 public:
     // Wraps the decoder in `*stream` and takes its place there; `wanted` is the format to deliver, null for the
     // decoder's own. An object that IsValid denies has left `*stream` alone and is only destroyed.
@@ -84,7 +84,7 @@ public:
 
 private:
     KELO_HIDDEN bool Adopt(IUnknown** stream);
-    KELO_HIDDEN void ReadFormats(const SWavFormat* wanted);
+    KELO_HIDDEN void ReadFormats(IAdvancedFormat* advanced, const SWavFormat* wanted);
     KELO_HIDDEN void ComputeRatios();
     KELO_HIDDEN bool CreateConvertor(IStatus** status);
     KELO_HIDDEN bool ConvertBlock(unsigned char* buffer, int size, int* read, IStatus** status);

@@ -1,15 +1,15 @@
 // Classes of source names.
 #include "stream/URLType.h"
 
-#include <strings.h>
-
 #include <cstring>
 #include <string_view>
+
+#include "stream/AsciiCase.h"
 
 namespace {
 
 bool StartsWith(const char* url, std::string_view prefix) {
-    return std::strlen(url) > prefix.size() && strncasecmp(url, prefix.data(), prefix.size()) == 0;
+    return std::strlen(url) > prefix.size() && EqualIgnoringAsciiCase({url, prefix.size()}, prefix);
 }
 
 }  // namespace
