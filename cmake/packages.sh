@@ -11,8 +11,9 @@ require_packages() {
     exit 1
   fi
   for package in "$@"; do
-    state=$(dpkg-query --show --showformat='${db:Status-Status}' "$package" 2>/dev/null) || state=
-    [[ $state == installed ]] || missing+=("$package")
+    # One line for each architecture that the system knows the package for.
+    state=$(dpkg-query --show --showformat='${db:Status-Status}\n' "$package" 2>/dev/null) || state=
+    [[ $'\n'$state$'\n' == *$'\ninstalled\n'* ]] || missing+=("$package")
   done
   if ((${#missing[@]} == 0)); then
     return 0

@@ -9,8 +9,7 @@ class Packages : public testing::Test {
 protected:
     Packages() {
         std::filesystem::create_directory(m_scratch.Path() / "bin");
-        // Only packages whose name begins with "have" are installed.
-        WriteTool("dpkg-query", "[[ ${!#} == have* ]] && printf installed || exit 1");
+        WriteDpkgQuery("installed\\n");
         WriteTool("apt-get", "echo \"${DEBIAN_FRONTEND-} apt-get $*\" >>" + m_scratch / "calls");
         WriteTool("id", "echo 1000");
     }
@@ -18,6 +17,13 @@ protected:
     void WriteTool(const std::string& name, const std::string& body) const {
         const std::string path = m_scratch.Write("bin/" + name, "#!/bin/bash\n" + body + "\n");
         std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+    }
+
+    // Says the states, one for each architecture, of packages whose name begins with "have" and knows no others. Like
+    // the real tool it prints the line breaks that its format asks for and no more.
+    void WriteDpkgQuery(const std::string& states) const {
+        WriteTool("dpkg-query", "[[ ${!#} == have* ]] || exit 1; states='" + states +
+                                    "'; [[ \"$*\" == *'Status}\\n'* ]] || states=${states//'\\n'}; printf \"$states\"");
     }
 
     // Requires the packages and says "done" afterwards, with nothing but the stand-ins on the path.
@@ -41,6 +47,24 @@ TEST_F(Packages, NothingMissingRunsNothing) {
     EXPECT_EQ(result.m_strOut, "done\n");
     EXPECT_EQ(result.m_strErr, "");
     EXPECT_EQ(Calls(), "");
+}
+
+TEST_F(Packages, OneInstalledArchitectureIsEnough) {
+    for (const char* const states :
+         {"installed\\ninstalled\\n", "config-files\\ninstalled\\n", "installed\\nnot-installed\\n"}) {
+        SCOPED_TRACE(states);
+        WriteDpkgQuery(states);
+        EXPECT_EQ(Require("have-one").m_strOut, "done\n");
+    }
+    EXPECT_EQ(Calls(), "");
+}
+
+TEST_F(Packages, StatesThatOnlyContainTheWordAreMissing) {
+    for (const char* const states : {"not-installed\\n", "half-installed\\nnot-installed\\n", "config-files\\n", ""}) {
+        SCOPED_TRACE(states);
+        WriteDpkgQuery(states);
+        EXPECT_EQ(Require("have-one").m_nExit, 1);
+    }
 }
 
 TEST_F(Packages, WithoutRootPrintsTheLineToRunAndStops) {
