@@ -7,7 +7,6 @@
 #include "com/QueryTable.h"
 #include "stream/GuardedCall.h"
 #include "stream/SourceLimits.h"
-#include "stream/StatusSlot.h"
 
 namespace {
 
@@ -107,14 +106,13 @@ int CSrcConvAggregator::QueryInterface(unsigned long identity, void** face) {
 }
 
 bool CSrcConvAggregator::Start(IStatus** status) {
-    CStatusSlot slot(status);
-    if (!CallGuarded([&] { return m_pProcess->Start(slot.Lend()); })) return false;
-    if (m_realFormat.m_held == m_rawFormat || CallGuarded([&] { return CreateConvertor(slot.Lend()); })) {
+    if (!CallGuarded([&] { return m_pProcess->Start(status); })) return false;
+    if (m_realFormat.m_held == m_rawFormat || CallGuarded([&] { return CreateConvertor(status); })) {
         m_pConversionBuffer.reset(new (std::nothrow) unsigned char[kConversionBufferSize]);
         if (m_pConversionBuffer) return true;
     }
     m_pConvertor.Reset();
-    CallGuarded([&] { return m_pProcess->End(slot.Lend()); });
+    CallGuarded([&] { return m_pProcess->End(status); });
     return false;
 }
 

@@ -4,7 +4,6 @@
 #include "com/StatusObject.h"
 #include "stream/SourceLimits.h"
 #include "stream/SrcConvAggregator.h"
-#include "stream/StatusSlot.h"
 #include "stream/TruncateToUnsigned.h"
 
 namespace {
@@ -36,10 +35,9 @@ bool CSrcConvAggregator::RawRead(unsigned char* buffer, int size, int* read, EAu
         ReportStatus(status, AE_BUFFER_TOO_SMALL);
         return false;
     }
-    CStatusSlot slot(status);
-    if (!m_pReader->RawRead(m_pConversionBuffer.get(), request, read, state, slot.Lend())) return false;
+    if (!m_pReader->RawRead(m_pConversionBuffer.get(), request, read, state, status)) return false;
     if (*read < 0 || *read > request) return false;
-    return ConvertBlock(buffer, size, read, slot.Lend());
+    return ConvertBlock(buffer, size, read, status);
 }
 
 bool CSrcConvAggregator::ConvertBlock(unsigned char* buffer, int size, int* read, IStatus** status) {

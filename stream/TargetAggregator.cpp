@@ -4,7 +4,6 @@
 #include "com/QueryTable.h"
 #include "com/StatusObject.h"
 #include "stream/GuardedCall.h"
-#include "stream/StatusSlot.h"
 
 namespace {
 
@@ -95,13 +94,12 @@ bool CTargetAggregator::RawWrite(unsigned char* data, int size, EAudioRawState& 
         ReportStatus(status, AE_BAD_ARGUMENT);
         return false;
     }
-    CStatusSlot slot(status);
     if (m_pConvertor) {
-        m_pConvertor->Convert(data, size, 0, slot.Lend());
+        m_pConvertor->Convert(data, size, 0, status);
         data = m_pConvertor->GetOutputData();
         size = m_pConvertor->GetOutputLength();
     }
-    return m_pWriter->RawWrite(data, size, state, slot.Lend());
+    return m_pWriter->RawWrite(data, size, state, status);
 }
 
 SWavFormat CTargetAggregator::GetRawFormat() { return m_inputFormat.m_held.m_format; }

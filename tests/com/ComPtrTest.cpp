@@ -169,13 +169,13 @@ TEST(ComPtr, SwapExchangesWithoutTouchingTheCounts) {
     EXPECT_EQ(two.m_nReferences, 2U);
 }
 
-TEST(ComPtr, ResetIsEmptyBeforeItReleases) {
+TEST(ComPtr, ResetStillHoldsTheObjectWhileItReleases) {
     CCounted object;
     CPtr pointer(&object);
     object.m_pHolder = &pointer;
-    object.m_pSeenInRelease = &object;
     pointer.Reset();
-    EXPECT_EQ(object.m_pSeenInRelease, nullptr);
+    EXPECT_EQ(object.m_pSeenInRelease, &object);
+    EXPECT_EQ(pointer.Get(), nullptr);
     EXPECT_EQ(object.m_nReferences, 1U);
     object.m_pHolder = nullptr;
 }

@@ -1,6 +1,8 @@
 // The table of auxiliary objects.
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include "tests/pluginmgr/Manager.h"
 
 namespace {
@@ -19,11 +21,11 @@ public:
 
 class AuxObjects : public testing::Test {
 protected:
-    CComPtr<CAudioPluginMgr> m_manager = ObtainManager();
     CObject m_a;
     CObject m_b;
     int m_firstKey = 0;
     int m_secondKey = 0;
+    CComPtr<CAudioPluginMgr> m_manager = ObtainManager();
 };
 
 TEST_F(AuxObjects, KeepTheFirstObjectOfAKey) {
@@ -75,6 +77,28 @@ TEST_F(AuxObjects, AreReleasedOnceAtTheManagersEnd) {
     m_manager->AttachAuxObject(&m_firstKey, &m_a);
     m_manager->AttachAuxObject(&m_secondKey, &m_b);
     m_manager.Reset();
+    EXPECT_EQ(m_a.m_nReferences, 1U);
+    EXPECT_EQ(m_b.m_nReferences, 1U);
+}
+
+TEST_F(AuxObjects, HoldOneReferencePerCopyOfTheirEntry) {
+    using CEntry = CAudioPluginMgr::AUXOBJECT;
+    static_assert(sizeof(CEntry) == 3 * sizeof(void*), "table of operations, key, object");
+    {
+        const CEntry entry(&m_firstKey, &m_a);
+        EXPECT_EQ(m_a.m_nReferences, 2U);
+        CEntry copy(entry);
+        EXPECT_EQ(copy.pKey, &m_firstKey);
+        EXPECT_EQ(copy.pObject.Get(), &m_a);
+        EXPECT_EQ(m_a.m_nReferences, 3U);
+        copy = CEntry(&m_secondKey, &m_b);
+        EXPECT_EQ(m_a.m_nReferences, 2U);
+        EXPECT_EQ(m_b.m_nReferences, 2U);
+        void* words[3];
+        std::memcpy(words, static_cast<const void*>(&copy), sizeof words);
+        EXPECT_EQ(words[1], &m_secondKey);
+        EXPECT_EQ(words[2], &m_b);
+    }
     EXPECT_EQ(m_a.m_nReferences, 1U);
     EXPECT_EQ(m_b.m_nReferences, 1U);
 }

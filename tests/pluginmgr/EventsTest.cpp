@@ -127,6 +127,29 @@ TEST_F(Events, HoldTheLockWhileTheyAreDelivered) {
     EXPECT_EQ(m_manager->GetReceiverNumber(&m_b), 1);
 }
 
+TEST_F(Events, NeitherReleaseNorNotifyReceiversAtTheManagersEnd) {
+    m_manager->SubscribeToEvents(&m_a);
+    m_manager.Reset();
+    EXPECT_EQ(m_log, "");
+    EXPECT_EQ(m_a.m_nReferenceCalls, 0U);
+}
+
+TEST_F(Events, ArriveThroughTheFourthSlot) {
+    static unsigned int received = 0;
+    using Operation = bool (*)(void*, unsigned int, IUnknown*);
+    const Operation onEvent = [](void*, unsigned int event, IUnknown*) {
+        received = event;
+        return true;
+    };
+    void* table[] = {nullptr, nullptr, nullptr, reinterpret_cast<void*>(onEvent)};
+    void* object = static_cast<void*>(table);
+    auto* const receiver = reinterpret_cast<IEventReceiver*>(&object);
+    m_manager->SubscribeToEvents(receiver);
+    m_manager->SendEvent(17, nullptr);
+    m_manager->UnsubscribeToEvents(receiver);
+    EXPECT_EQ(received, 17U);
+}
+
 TEST_F(Events, AreDeliveredOnTheSendersThread) {
     std::thread::id delivered;
     m_a.m_inside = [&] { delivered = std::this_thread::get_id(); };

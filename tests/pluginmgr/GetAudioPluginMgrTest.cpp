@@ -4,11 +4,31 @@
 
 #include <clocale>
 #include <cstdlib>
+#include <filesystem>
+#include <new>
 #include <thread>
 
 #include "com/InterfaceIds.h"
 #include "pluginmgr/GetAudioPluginMgr.h"
 #include "tests/pluginmgr/Manager.h"
+#include "tests/support/ScratchDirectory.h"
+
+namespace {
+
+// Fails the allocation that is counted down to.
+int g_nAllocationsUntilFailure = -1;
+
+}  // namespace
+
+// Out of line, so that no compiler pairs them with malloc and free.
+__attribute__((noinline)) void* operator new(std::size_t size) {
+    if (g_nAllocationsUntilFailure > 0 && --g_nAllocationsUntilFailure == 0) throw std::bad_alloc();
+    void* const memory = std::malloc(size);
+    if (memory == nullptr) throw std::bad_alloc();
+    return memory;
+}
+__attribute__((noinline)) void operator delete(void* memory) noexcept { std::free(memory); }
+__attribute__((noinline)) void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace {
 
@@ -51,6 +71,32 @@ TEST(GetAudioPluginMgr, BuildsANewManagerWithDefaultsAfterTheLastRelease) {
     EXPECT_EQ(manager->GetCount(), 0);
 }
 
+TEST(GetAudioPluginMgr, ForgetsThePluginDirectoryWithTheOldManager) {
+    const CScratchDirectory scratch;
+    ObtainManager()->SetPluginDirectory("/no/such/directory");
+    const auto manager = ObtainManager();
+    // "." is scanned when no directory is set, so that the current directory is entered and left.
+    std::filesystem::copy_file(std::string(KELO_FIXTURE_DIRECTORY) + "/encoder.so", scratch / "encoder.so");
+    std::filesystem::current_path(scratch.Path());
+    manager->LoadPlugins();
+    EXPECT_EQ(manager->GetCount(), 1);
+    EXPECT_TRUE(manager->UnloadPlugins());
+}
+
+TEST(GetAudioPluginMgr, PropagatesAFailedConstructionWithNothingPublishedAndTheLockHeld) {
+    IAudioPluginMgr* manager = nullptr;
+    g_nAllocationsUntilFailure = 3;
+    EXPECT_THROW(GetAudioPluginMgr(&manager), std::bad_alloc);
+    g_nAllocationsUntilFailure = -1;
+    EXPECT_EQ(g_pAudioPluginMgr, nullptr);
+    int locked = 1;
+    std::thread([&] { locked = m_sectPMCreation.Lock(0); }).join();
+    EXPECT_EQ(locked, 0);
+    m_sectPMCreation.Unlock();
+    EXPECT_EQ(GetAudioPluginMgr(&manager), 1);
+    EXPECT_EQ(manager->Release(), 0U);
+}
+
 TEST(GetAudioPluginMgr, SetsTheLocaleFromTheEnvironmentAtEveryCall) {
     setenv("LC_ALL", "C.UTF-8", 1);
     const auto manager = ObtainManager();
@@ -65,8 +111,10 @@ TEST(GetAudioPluginMgr, BindsTheTextDomainAtEveryCall) {
     EXPECT_STREQ(bindtextdomain("keloaudiopluginmgr", nullptr), "/usr/share/locale");
     EXPECT_STREQ(bind_textdomain_codeset("keloaudiopluginmgr", nullptr), "UTF-8");
     bindtextdomain("keloaudiopluginmgr", "/tmp");
+    bind_textdomain_codeset("keloaudiopluginmgr", "ISO-8859-1");
     const auto again = ObtainManager();
     EXPECT_STREQ(bindtextdomain("keloaudiopluginmgr", nullptr), "/usr/share/locale");
+    EXPECT_STREQ(bind_textdomain_codeset("keloaudiopluginmgr", nullptr), "UTF-8");
 }
 
 TEST(GetAudioPluginMgr, LeavesTheCreationLockFree) {

@@ -75,6 +75,8 @@ TEST(Strings, KeepTheirLargerBufferForAShorterText) {
     manager->SetImagesDirectory(std::string(200, 'y').c_str());
     EXPECT_EQ(manager->GetImagesDirectory(), buffer);
     EXPECT_EQ(std::string(manager->GetImagesDirectory()), std::string(200, 'y'));
+    manager->SetImagesDirectory(std::string(201, 'z').c_str());
+    EXPECT_NE(manager->GetImagesDirectory(), buffer);
 }
 
 TEST(Strings, LeaveTheStatusAloneOnSuccess) {
@@ -112,6 +114,11 @@ TEST(Strings, AreRefusedWhilePluginsAreLoaded) {
     EXPECT_STREQ(manager->GetVendor(), "new");
 }
 
+TEST(Features, HaveFixedNumbers) {
+    EXPECT_EQ(AF_BASIC, 0U);
+    EXPECT_EQ(AF_ADVANCED_FORMATS, 1U);
+}
+
 TEST(Features, AreOffAtFirst) {
     const auto manager = ObtainManager();
     EXPECT_FALSE(manager->IsSupported(AF_BASIC));
@@ -123,6 +130,8 @@ TEST(Features, AnUnknownOneIsRefused) {
     EXPECT_FALSE(manager->IsSupported(static_cast<EAudioFeature>(2)));
     EXPECT_FALSE(manager->EnableSupport(static_cast<EAudioFeature>(2), true));
     EXPECT_FALSE(manager->EnableSupport(static_cast<EAudioFeature>(2), false));
+    EXPECT_FALSE(manager->IsSupported(AF_BASIC));
+    EXPECT_FALSE(manager->IsSupported(AF_ADVANCED_FORMATS));
     EXPECT_FALSE(manager->IsSupported(static_cast<EAudioFeature>(2)));
 }
 

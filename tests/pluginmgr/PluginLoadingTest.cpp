@@ -7,6 +7,8 @@
 #include <thread>
 
 #include "com/InterfaceIds.h"
+#include "portable/DirEntry.h"
+#include "portable/PortableFile.h"
 #include "stream/LiveAggregators.h"
 #include "tests/pluginmgr/Manager.h"
 #include "tests/pluginmgr/PluginDirectory.h"
@@ -261,27 +263,74 @@ TEST(LoadPlugins, AnExceptionOfAnInitialisationPassesWithTheCreationLockStillHel
     m_sectPMCreation.Unlock();
 }
 
-TEST(LoadPlugins, DropsAComponentThatRefusesToInitialiseAndReleasesItsStatus) {
-    const CPluginDirectory plugins({"initialize_fails", "collection"});
+TEST(LoadPlugins, DropsAComponentThatRefusesToInitialiseAndGoesOnWithTheNext) {
+    const CPluginDirectory plugins({"initialize_fails"});
     const CLoadedManager manager(plugins);
-    EXPECT_EQ(manager->GetCount(), 4);
-    const Lines log = plugins.Log();
-    EXPECT_EQ(std::count(log.begin(), log.end(), "refusing released"), 1);
-    EXPECT_EQ(std::count(log.begin(), log.end(), "status released"), 1);
-    EXPECT_EQ(std::count(log.begin(), log.end(), "refusing terminated"), 0);
+    EXPECT_EQ(ComponentNames(*manager), (Lines{"before", "after"}));
+    EXPECT_EQ(plugins.Log(), (Lines{"before initialised", "refusing initialised", "refusing released",
+                                    "refusing status released", "after initialised", "after status released"}));
 }
 
 TEST(LoadPlugins, KeepsIdentitiesWithTheirComponentsWhenOneIsDropped) {
-    const CPluginDirectory plugins({"initialize_fails", "collection", "decoder"});
+    const CPluginDirectory plugins({"initialize_fails"});
     const CLoadedManager manager(plugins);
-    for (int i = 0; i < manager->GetCount(); ++i) {
+    ASSERT_EQ(manager->GetCount(), 2);
+    Lines identities;
+    for (int i = 0; i < 2; ++i) {
         CComPtr<IAudioComponent> component;
         manager->GetComponent(i, component.Out());
-        COMPONENT_INFO info;
-        ASSERT_TRUE(manager->GetComponentInfo(component.Get(), &info));
-        const bool alone = std::string(component->GetName()) == "decoder";
-        EXPECT_STREQ(info.m_strLibraryFileName.GetText(), alone ? "decoder.so" : "collection.so");
+        identities.emplace_back(manager->GetComponentStringID(component.Get()).GetText());
     }
+    EXPECT_EQ(identities, (Lines{"initialize_fails.so*0", "initialize_fails.so*2"}));
+}
+
+TEST(LoadPlugins, PassesOverAConvertorThatIsNoFactory) {
+    const CPluginDirectory plugins({"convertor_without_factory"});
+    const CLoadedManager manager(plugins);
+    IConvertorFactory* factory = nullptr;
+    manager->GetConvertor(&factory);
+    EXPECT_NE(factory, nullptr);
+    EXPECT_EQ(plugins.Log().back(), "second convertor asked for its factory");
+}
+
+TEST(LoadPlugins, KeepsTheReferenceOfACollectionItself) {
+    const CPluginDirectory plugins({"collection"});
+    const CLoadedManager manager(plugins);
+    const Lines log = plugins.Log();
+    EXPECT_EQ(std::count(log.begin(), log.end(), "collection released"), 0);
+}
+
+TEST(LoadPlugins, HoldsTheCreationLockWhileItLoads) {
+    const CPluginDirectory plugins({"decoder"});
+    const auto manager = ObtainManager();
+    manager->SetPluginDirectory(plugins.Path().c_str());
+    m_sectPMCreation.Lock(kInfiniteTimeout);
+    std::thread loader([&] { manager->LoadPlugins(); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    EXPECT_TRUE(plugins.Log().empty());
+    m_sectPMCreation.Unlock();
+    loader.join();
+    EXPECT_EQ(manager->GetCount(), 1);
+
+    m_sectPMCreation.Lock(kInfiniteTimeout);
+    plugins.ClearLog();
+    std::thread unloader([&] { manager->UnloadPlugins(); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    EXPECT_TRUE(plugins.Log().empty());
+    m_sectPMCreation.Unlock();
+    unloader.join();
+    EXPECT_EQ(manager->GetCount(), 0);
+}
+
+TEST(LoadPlugins, RestoresTheCurrentDirectoryAfterAnException) {
+    const CPluginDirectory plugins({"primary_throws_exception"});
+    const CExpectedLeaks leaks;  // the library never gets unloaded
+    const auto before = std::filesystem::current_path();
+    const auto manager = ObtainManager();
+    manager->SetPluginDirectory(plugins.Path().c_str());
+    EXPECT_THROW(manager->LoadPlugins(), std::runtime_error);
+    EXPECT_EQ(std::filesystem::current_path(), before);
+    m_sectPMCreation.Unlock();
 }
 
 TEST(LoadPlugins, LetsComponentsReadTheHostsNamesWhileTheyInitialise) {
@@ -393,6 +442,35 @@ TEST(CanUnloadPlugins, AnIntOfAPluginCountsAsNotReady) {
     const CExpectedLeaks leaks;  // the library never gets unloaded
     const CLoadedManager manager(plugins);
     EXPECT_FALSE(manager->CanUnloadPlugins());
+    EXPECT_TRUE(IsCreationLockFree());
+}
+
+TEST(CanUnloadPlugins, StopsAtTheFirstPluginThatIsNotReady) {
+    const CPluginDirectory plugins({});
+    const CExpectedLeaks leaks;  // the libraries never get unloaded
+    for (const char* const name : {"a.so", "b.so", "c.so", "d.so"}) plugins.Add("decoder", name);
+    plugins.Add("ready_throws_int", "e.so");
+    const CLoadedManager manager(plugins);
+    plugins.ClearLog();
+    EXPECT_FALSE(manager->CanUnloadPlugins());
+    const std::size_t asked = plugins.Log().size();
+    // The order is that of the directory: what stands behind the plug-in that is not ready is never asked.
+    std::size_t before = 0;
+    const std::unique_ptr<CDirEntry> search(CPortableFile::FindFirst((plugins.Path() + "/*.so").c_str(), 0, 0, 0, 2));
+    for (; std::filesystem::path(search->GetFile().GetName()).filename() != "e.so"; search->Next()) ++before;
+    EXPECT_EQ(asked, before);
+}
+
+TEST(CanUnloadPlugins, AnotherExceptionPassesAndTheReferencesAreTakenBack) {
+    const CPluginDirectory plugins({"convertor", "ready_throws_exception"});
+    const CExpectedLeaks leaks;  // the libraries never get unloaded
+    const auto manager = ObtainManager();
+    manager->SetPluginDirectory(plugins.Path().c_str());
+    manager->LoadPlugins();
+    EXPECT_THROW(manager->CanUnloadPlugins(), std::runtime_error);
+    IConvertorFactory* factory = nullptr;
+    manager->GetConvertor(&factory);
+    EXPECT_NE(factory, nullptr);
     EXPECT_TRUE(IsCreationLockFree());
 }
 

@@ -77,6 +77,58 @@ TResult CallSlot(void* face, int slot, TArguments... arguments) {
     return reinterpret_cast<Operation>(TableOf(face)[slot])(face, arguments...);
 }
 
+// An encoder that the registry may forget.
+class CStillComponent : public IAudioComponent {
+public:
+    unsigned int AddRef() override { return 1; }
+    unsigned int Release() override { return 1; }
+    int QueryInterface(unsigned long, void** face) override {
+        *face = nullptr;
+        return kInterfaceMissing;
+    }
+    const char* GetName() override { return "still"; }
+    EAudioComponentType GetType() override { return ACT_ENCODER; }
+    bool Initialize(IAudioPluginMgr*, IStatus**) override { return true; }
+    void Terminate() override {}
+};
+
+// Each slot of a component writes its number.
+std::string g_calledSlots;
+
+template <char Number, int Result>
+void* Slot(void* /*component*/) {
+    g_calledSlots += Number;
+    return reinterpret_cast<void*>(Result);
+}
+
+TEST(ComponentSlots, AreNameTypeInitializeTerminate) {
+    void* (*const table[])(void*) = {Slot<'0', 1>, Slot<'1', 1>, Slot<'2', 2>, Slot<'3', 0>,
+                                     Slot<'4', 4>, Slot<'5', 1>, Slot<'6', 0>};
+    const void* object = static_cast<const void*>(table);
+    auto* const component = reinterpret_cast<IAudioComponent*>(&object);
+    component->GetName();
+    EXPECT_EQ(component->GetType(), ACT_ENCODER);
+    EXPECT_TRUE(component->Initialize(nullptr, nullptr));
+    component->Terminate();
+    EXPECT_EQ(g_calledSlots, "3456");
+}
+
+TEST(ComponentTypes, HaveFixedNumbers) {
+    EXPECT_EQ(ACT_COLLECTION, 2U);
+    EXPECT_EQ(ACT_DECODER, 3U);
+    EXPECT_EQ(ACT_ENCODER, 4U);
+    EXPECT_EQ(ACT_CONVERTOR, 5U);
+    EXPECT_EQ(ACT_URL_HANDLER, 6U);
+}
+
+TEST(ComponentInfo, HasFileNameThenIndex) {
+    static_assert(sizeof(COMPONENT_INFO) == 32);
+    COMPONENT_INFO info;
+    const auto* const start = reinterpret_cast<const char*>(&info);
+    EXPECT_EQ(reinterpret_cast<const char*>(&info.m_strLibraryFileName) - start, 0);
+    EXPECT_EQ(reinterpret_cast<const char*>(&info.m_nIndex) - start, 24);
+}
+
 class SecondaryFaces : public testing::Test {
 protected:
     void* Face(unsigned long identity) {
@@ -92,6 +144,7 @@ protected:
         m_manager->Release();
     }
 
+    CStillComponent m_component;
     CComPtr<CAudioPluginMgr> m_manager = ObtainManager();
 };
 
@@ -110,9 +163,12 @@ TEST_F(SecondaryFaces, BeginWithTheThreeCommonOperations) {
 
 TEST_F(SecondaryFaces, ComponentEnumHasCountThenComponent) {
     void* const face = Face(16);
-    EXPECT_EQ(CallSlot<int>(face, 3), 0);
+    m_manager->AddComponent(&m_component, "enc.so", 0);
+    m_manager->AddComponent(&m_component, "enc.so", 1);
+    EXPECT_EQ(CallSlot<int>(face, 3), 2);
     IAudioComponent* component = nullptr;
-    EXPECT_FALSE((CallSlot<bool, int, IAudioComponent**>(face, 4, 0, &component)));
+    EXPECT_TRUE((CallSlot<bool, int, IAudioComponent**>(face, 4, 1, &component)));
+    EXPECT_EQ(component, &m_component);
 }
 
 TEST_F(SecondaryFaces, ProfileHasVendorThenProduct) {
@@ -124,8 +180,11 @@ TEST_F(SecondaryFaces, ProfileHasVendorThenProduct) {
 }
 
 TEST_F(SecondaryFaces, InternalHasComponentInfo) {
+    m_manager->AddComponent(&m_component, "enc.so", 4);
     COMPONENT_INFO info;
-    EXPECT_FALSE((CallSlot<bool, IAudioComponent*, COMPONENT_INFO*>(Face(64), 3, nullptr, &info)));
+    EXPECT_TRUE((CallSlot<bool, IAudioComponent*, COMPONENT_INFO*>(Face(64), 3, &m_component, &info)));
+    EXPECT_STREQ(info.m_strLibraryFileName.GetText(), "enc.so");
+    EXPECT_EQ(info.m_nIndex, 4);
 }
 
 TEST_F(SecondaryFaces, ComponentOrderHasSetThenGet) {
@@ -139,7 +198,8 @@ TEST_F(SecondaryFaces, ComponentOrderHasSetThenGet) {
 
 TEST_F(SecondaryFaces, AppWindowHasSetThenGet) {
     void* const face = Face(63);
-    CallSlot<void, _GtkWindow*>(face, 3, nullptr);
+    void* words[8] = {};
+    CallSlot<void, _GtkWindow*>(face, 3, reinterpret_cast<_GtkWindow*>(words));
     EXPECT_EQ(CallSlot<_GtkWindow*>(face, 4), nullptr);
 }
 
