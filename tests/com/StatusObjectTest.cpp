@@ -221,7 +221,23 @@ TEST(ReportStatus, TakesASystemErrorOrAText) {
     EXPECT_STREQ(status->GetDescription(), "No conversion possible");
 }
 
-TEST(ReportStatus, MakesNothingWithoutAnOutPointer) { ReportStatus(nullptr, AE_NO_DECODER); }
+// A reason that counts how often a status is made from it.
+struct SCountedReason {
+    operator EAudioError() const {
+        ++*m_pMade;
+        return AE_NO_DECODER;
+    }
+    int* m_pMade;
+};
+
+TEST(ReportStatus, MakesNothingWithoutAnOutPointer) {
+    int made = 0;
+    ReportStatus(nullptr, SCountedReason{&made});
+    EXPECT_EQ(made, 0);
+    CComPtr<IStatus> status;
+    ReportStatus(status.Out(), SCountedReason{&made});
+    EXPECT_EQ(made, 1);
+}
 
 TEST(StatusLayout, TheCategoryFaceStandsBehindThePrimaryOne) {
     CStatus status(AE_NONE);

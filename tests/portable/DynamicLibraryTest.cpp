@@ -62,7 +62,6 @@ TEST(DynamicLibrary, TheLoadersErrorIsLeftToTheCaller) {
     void* const module = LoadLibrary(kPlainLibrary);
     ASSERT_NE(nullptr, module);
     GetProcAddress(module, "kelo_fixture_absent");
-    // Neither a successful look-up nor a successful close clears what the caller has not read.
     EXPECT_NE(nullptr, dlerror());
     FreeLibrary(module);
 }
