@@ -12,7 +12,8 @@ public:
     // 0 bytes say that the input is at its end: each such call hands out a further piece of what is still inside.
     virtual bool Convert(unsigned char* data, int size, int flags, IStatus** status) = 0;
 
-    // Bytes of output that the last Convert made.
+    // Bytes of output that the last Convert made; a negative number after a failure makes the aggregator's read or
+    // write fail as well.
     virtual int GetOutputLength() = 0;
 
     // Those bytes, owned by the convertor, valid until its next Convert.

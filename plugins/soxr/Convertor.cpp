@@ -6,6 +6,13 @@
 #include "com/QueryTable.h"
 #include "plugins/soxr/Guard.h"
 
+namespace {
+
+// A length that fails the read or write of whoever drives the convertor, since nobody asks for Convert's result.
+constexpr int kFailed = -1;
+
+}  // namespace
+
 CConvertor::CConvertor(const SConversionPlan& plan)
     : m_allowance(plan.m_from, plan.m_to),
       m_conversion(plan),
@@ -24,7 +31,7 @@ int CConvertor::QueryInterface(unsigned long identity, void** face) {
 }
 
 bool CConvertor::Convert(unsigned char* data, int size, int /*flags*/, IStatus** status) {
-    m_nLength = 0;
+    m_nLength = kFailed;
     return Guarded(status, [&] {
         if (size < 0 || (size > 0 && data == nullptr)) {
             ReportStatus(status, AE_BAD_ARGUMENT);

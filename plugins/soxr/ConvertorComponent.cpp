@@ -27,9 +27,14 @@ IAudioConvertor* MakeConvertor(const SHeldWavFormat& from, const SHeldWavFormat&
 
 }  // namespace
 
-unsigned int CConvertorComponent::AddRef() { return m_references.Increment(); }
+unsigned int CConvertorComponent::AddRef() { return ++m_nReferences; }
 
-unsigned int CConvertorComponent::Release() { return m_references.Decrement(); }
+unsigned int CConvertorComponent::Release() {
+    unsigned int count = m_nReferences;
+    while (count != 0 && !m_nReferences.compare_exchange_weak(count, count - 1)) {
+    }
+    return count == 0 ? 0 : count - 1;
+}
 
 int CConvertorComponent::QueryInterface(unsigned long identity, void** face) {
     return AnswerQuery(*this, identity, face,

@@ -1,13 +1,15 @@
 // The plug-in's primary component: a factory of convertors.
 #pragma once
 
+#include <atomic>
+
 #include "com/AudioComponent.h"
 #include "com/Configurable.h"
 #include "com/FeatureSupport.h"
-#include "com/ReferenceCount.h"
 #include "stream/Convertor.h"
 
-// Lives as long as the plug-in stays loaded; its references are only counted. [any thread]
+// Lives as long as the plug-in stays loaded; its references are only counted, and one release too many changes nothing:
+// converting targets take references of the factory without asking. [any thread]
 class CConvertorComponent final : public IAudioComponent,
                                   public IConvertorFactory,
                                   public IFeatureSupport,
@@ -43,5 +45,5 @@ public:
 
 private:
     IAudioPluginMgr* m_pManager = nullptr;  // borrowed until Terminate
-    CReferenceCount m_references{0};
+    std::atomic<unsigned int> m_nReferences{0};
 };

@@ -58,7 +58,7 @@ TEST(SoxrAllocation, ConvertSaysThatMemoryRanOutAndWorksAgainAfterwards) {
         EXPECT_FALSE(convertor->Convert(block.data(), static_cast<int>(block.size()), 0, status.Out()));
         ASSERT_TRUE(status);
         EXPECT_STREQ(status->GetDescription(), "out of memory");
-        EXPECT_EQ(convertor->GetOutputLength(), 0);
+        EXPECT_LT(convertor->GetOutputLength(), 0);
     }
     EXPECT_EQ(ConvertAll(*convertor, block), ConvertAll(*reference, block));
 }

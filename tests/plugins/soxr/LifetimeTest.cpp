@@ -98,4 +98,16 @@ TEST(SoxrLifetime, ConvertorsTakeNoReferenceOnTheFactory) {
     plugin.Factory().Release();
 }
 
+TEST(SoxrLifetime, AReleaseTooManyOfTheComponentReturnsZeroAndDoesNotWait) {
+    const CPluginUnderTest plugin;
+    IAudioComponent& component = plugin.Component();
+    component.AddRef();
+    unsigned int held = component.Release();
+    unsigned int given = held;
+    for (; given > 0; --given) component.Release();
+    EXPECT_EQ(component.Release(), 0U);
+    EXPECT_EQ(component.AddRef(), 1U);
+    while (++given < held) component.AddRef();
+}
+
 }  // namespace

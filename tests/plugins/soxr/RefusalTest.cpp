@@ -78,7 +78,7 @@ TEST(SoxrRefusal, NullDataAndNegativeSizesOfTheConvertorAreBadArguments) {
     CComPtr<IStatus> status;
     EXPECT_FALSE(convertor->Convert(nullptr, 4, 0, status.Out()));
     EXPECT_EQ(status->GetAudioError(), AE_BAD_ARGUMENT);
-    EXPECT_EQ(convertor->GetOutputLength(), 0);
+    EXPECT_LT(convertor->GetOutputLength(), 0) << "an aggregator asks nothing else";
     EXPECT_FALSE(convertor->Convert(frame.data(), -4, 0, status.Out()));
     EXPECT_EQ(status->GetAudioError(), AE_BAD_ARGUMENT);
 }
