@@ -96,7 +96,7 @@ bool CAudioPluginMgr::OpenRemote(const char* url, IUnknown** stream, int pass, E
     const bool opened =
         OpenURLAudioFile(localPath, stream, pass, required, excluded, status != nullptr ? reason.Out() : nullptr);
     if (!reason) reason = report;
-    if (reason) *status = reason.Detach();
+    if (status != nullptr && reason) *status = reason.Detach();
     return opened;
 }
 
@@ -106,7 +106,7 @@ bool CAudioPluginMgr::OpenURLAudioFile(const char* url, const SWavFormat* wanted
     if ((required & AUX_CONVERT) == 0) return true;
     auto source = std::make_unique<CSrcConvAggregator>(this, stream, wanted);
     if (!source->IsValid()) return false;  // the caller still has the decoder in `*stream`
-    source.release();                      // counted from here on, through the reference in `*stream`
+    static_cast<void>(source.release());   // counted from here on, through the reference in `*stream`
     return true;
 }
 
@@ -115,6 +115,6 @@ bool CAudioPluginMgr::CreateURLAudioTarget(IURLAudioTargetFactory* factory, IUnk
     if (!factory->CreateTarget(stream, format, status) || *stream == nullptr) return false;
     auto target = std::make_unique<CTargetAggregator>(this, stream, format);
     if (!target->IsValid()) return false;  // the caller still has the encoder in `*stream`
-    target.release();                      // counted from here on, through the reference in `*stream`
+    static_cast<void>(target.release());   // counted from here on, through the reference in `*stream`
     return true;
 }
