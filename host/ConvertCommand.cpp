@@ -12,7 +12,9 @@
 #include "host/Failure.h"
 #include "host/FailureText.h"
 #include "host/FormatText.h"
+#include "host/PluginCall.h"
 #include "host/SourceStream.h"
+#include "host/StandardOutput.h"
 #include "host/StopSignal.h"
 #include "host/TargetFile.h"
 #include "host/TargetStream.h"
@@ -23,8 +25,6 @@ constexpr int kBlockBytes = 65536;
 
 // The source aggregator rounds its requests to this.
 constexpr std::int64_t kRequestUnit = 12;
-
-constexpr int kMaxSourceChannels = 1024;
 
 // Less than a hundredth of a second may be the rounding of announced lengths and of the resampler.
 constexpr double kShortfallPerSecond = 100;
@@ -44,13 +44,6 @@ SWavFormat ApplyOptions(SWavFormat format, const SConvertOptions& options) {
     if (options.m_nBitsPerSample != 0) format.nBitsPerSample = options.m_nBitsPerSample;
     if (options.m_nChannels != 0) format.nChannels = options.m_nChannels;
     return format;
-}
-
-// Sizes are computed from the format; a decoder's word for it is not trusted further than this.
-void RequirePossible(const SWavFormat& format, const std::string& name) {
-    const bool possible = format.nSampleRate > 0 && format.nBitsPerSample >= 8 && format.nBitsPerSample <= 64 &&
-                          format.nChannels > 0 && format.nChannels <= kMaxSourceChannels;
-    if (!possible) throw CFailure(name, "its decoder tells an impossible format: " + FormatText(format));
 }
 
 bool SameRateAndChannels(const SWavFormat& left, const SWavFormat& right) {
@@ -86,7 +79,6 @@ public:
     CConversion(const CPluginSession& session, const SConvertOptions& options, const CSourceName& name)
         : m_session(session), m_options(options), m_name(name), m_pEncoder(FindEncoder(session, options.m_strOutput)) {
         const CSourceStream source(session, name, nullptr);
-        RequirePossible(source.GetFormat(), name.GetGiven());
         m_report.m_source = {source.GetFormat(), source.GetAnnouncedFrames()};
     }
 
@@ -167,10 +159,14 @@ void PrintReport(const std::string& name, const SStreamReport& report) {
 void RunConvert(const SConvertOptions& options, const std::string& pluginDirectory) {
     const CSourceName name(options.m_strInput);
     const CPluginSession session(pluginDirectory);
-    CConversion conversion(session, options, name);
-    CTargetFile file(options.m_strOutput, name.GetURL());
-    const SConversionReport report = conversion.Run(file.GetTemporaryPath());
-    file.Commit();
-    PrintReport(options.m_strInput, report.m_source);
-    PrintReport(options.m_strOutput, report.m_target);
+    CallPlugins(options.m_strInput, [&] {
+        CConversion conversion(session, options, name);
+        CTargetFile file(options.m_strOutput, name.GetURL());
+        const SConversionReport report = conversion.Run(file.GetTemporaryPath());
+        PrintReport(options.m_strInput, report.m_source);
+        PrintReport(options.m_strOutput, report.m_target);
+        // A report that nobody gets is a failure, and a failure leaves no output.
+        FlushStandardOutput();
+        file.Commit();
+    });
 }

@@ -8,6 +8,7 @@
 
 #include "com/ComponentInfo.h"
 #include "com/InterfaceIds.h"
+#include "host/PluginCall.h"
 #include "host/PluginSession.h"
 
 namespace {
@@ -38,14 +39,9 @@ std::string PlaceText(IAudioPluginMgr& manager, IAudioComponent& component) {
     return std::string(info.m_strLibraryFileName.GetText()) + " " + std::to_string(info.m_nIndex);
 }
 
-std::string NameText(IAudioComponent& component) {
-    const char* const name = component.GetName();
-    return name == nullptr ? "" : name;
-}
-
 CRow RowOf(const CPluginSession& session, IAudioComponent& component) {
     const std::vector<std::string> extensions = ExtensionsOf(component);
-    return {TypeText(component.GetType()), NameText(component), PlaceText(session.GetManager(), component),
+    return {TypeText(component.GetType()), NameOf(component), PlaceText(session.GetManager(), component),
             extensions.empty() ? "-" : JoinNames(extensions)};
 }
 
@@ -66,9 +62,11 @@ void PrintRows(const std::vector<CRow>& rows) {
 
 void RunList(const std::string& pluginDirectory) {
     const CPluginSession session(pluginDirectory);
-    std::vector<CRow> rows;
-    for (const CComPtr<IAudioComponent>& component : session.GetComponents()) {
-        rows.push_back(RowOf(session, *component));
-    }
-    PrintRows(rows);
+    CallPlugins(session.GetDirectory(), [&session] {
+        std::vector<CRow> rows;
+        for (const CComPtr<IAudioComponent>& component : session.GetComponents()) {
+            rows.push_back(RowOf(session, *component));
+        }
+        PrintRows(rows);
+    });
 }

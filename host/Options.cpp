@@ -13,16 +13,22 @@ constexpr int kMinSampleRate = 1000;
 constexpr int kMaxSampleRate = 768000;
 constexpr int kMaxChannels = 64;
 
+std::string RefuseEmpty(const std::string& text) { return text.empty() ? "an empty name" : ""; }
+
 void AddPluginOption(CLI::App& command, std::string& directory) {
     command
         .add_option("--plugins", directory, "Plug-in directory; \"plugins\" beside the program's directory if left out")
-        ->type_name("DIR");
+        ->type_name("DIR")
+        ->check(RefuseEmpty);
 }
 
 void AddConvertOptions(CLI::App& command, SConvertOptions& options) {
-    command.add_option("INPUT", options.m_strInput, "A file, or an http:// or ftp:// address")->required();
+    command.add_option("INPUT", options.m_strInput, "A file, or an http:// or ftp:// address")
+        ->required()
+        ->check(RefuseEmpty);
     command.add_option("OUTPUT", options.m_strOutput, "The file to write; its extension chooses the encoder")
-        ->required();
+        ->required()
+        ->check(RefuseEmpty);
     command.add_option("--rate", options.m_nSampleRate, "Sample frames per second")
         ->type_name("HZ")
         ->check(CLI::Range(kMinSampleRate, kMaxSampleRate));

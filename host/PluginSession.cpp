@@ -13,6 +13,7 @@
 #include "com/InterfaceIds.h"
 #include "host/Failure.h"
 #include "host/FailureText.h"
+#include "host/PluginCall.h"
 #include "pluginmgr/GetAudioPluginMgr.h"
 #include "stream/FileOpener.h"
 
@@ -53,10 +54,12 @@ CPluginSession::CPluginSession(const std::string& directory)
     RequireShortPath(m_strDirectory);
     if (GetAudioPluginMgr(m_pManager.Out()) != 1) throw CFailure(m_strDirectory, "no plug-in manager");
     m_pManager->SetPluginDirectory(m_strDirectory.c_str());
-    m_pManager->LoadPlugins();
     try {
-        RequireComponents();
-    } catch (...) {
+        CallPlugins(m_strDirectory, [this] {
+            m_pManager->LoadPlugins();
+            RequireComponents();
+        });
+    } catch (const CFailure&) {
         Unload();
         throw;
     }
@@ -82,7 +85,7 @@ std::string CPluginSession::GetDecoderNames() const {
     for (int i = 0; i < decoders->GetCount(); ++i) {
         CComPtr<IAudioComponent> decoder;
         if (decoders->GetComponent(i, decoder.Out()) && IsAskedForConversion(*decoder)) {
-            names.emplace_back(decoder->GetName());
+            names.push_back(NameOf(*decoder));
         }
     }
     return JoinNames(names);
@@ -94,18 +97,30 @@ void CPluginSession::RequireComponents() {
 }
 
 void CPluginSession::Unload() {
-    // A plug-in that is not ready stays until the process ends.
-    m_pManager->UnloadPlugins();
+    try {
+        // A plug-in that is not ready stays until the process ends.
+        m_pManager->UnloadPlugins();
+    } catch (...) {
+        // So does one that throws here: the work is done, and nothing is left to fail.
+    }
 }
 
 std::string DefaultPluginDirectory() {
     return (std::filesystem::read_symlink("/proc/self/exe").parent_path().parent_path() / "plugins").string();
 }
 
+std::string NameOf(IAudioComponent& component) {
+    const char* const name = component.GetName();
+    return name == nullptr ? "(no name)" : name;
+}
+
 std::vector<std::string> ExtensionsOf(IAudioComponent& component) {
     std::vector<std::string> extensions;
     const auto list = CComPtr<IExtensionList>::Query(&component, IID_IExtensionList);
-    for (int i = 0; list && i < list->GetCount(); ++i) extensions.emplace_back(list->GetAt(i));
+    for (int i = 0; list && i < list->GetCount(); ++i) {
+        const char* const extension = list->GetAt(i);
+        if (extension != nullptr) extensions.emplace_back(extension);
+    }
     return extensions;
 }
 

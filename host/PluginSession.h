@@ -9,10 +9,11 @@
 #include "stream/AudioPluginMgrInterface.h"
 
 // Loads in the constructor; the destructor unloads and gives the manager back. Streams and components taken from the
-// session are released before it ends. [host set-up]
+// session are released before it ends, and exceptions of plug-ins are handled before that too: CallPlugins does so.
+// [host set-up]
 class CPluginSession {
 public:
-    // Throws CFailure for a directory that cannot be read or yields no component.
+    // Throws CFailure for a directory that cannot be read or yields no component, and when a plug-in throws.
     explicit CPluginSession(const std::string& directory);
     ~CPluginSession();
 
@@ -41,6 +42,9 @@ private:
 
 // `plugins` beside the directory of the running program.
 std::string DefaultPluginDirectory();
+
+// The component's name; "(no name)" when it tells none.
+std::string NameOf(IAudioComponent& component);
 
 // The extensions that the component lists; empty without IExtensionList.
 std::vector<std::string> ExtensionsOf(IAudioComponent& component);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "com/ComPtr.h"
 #include "host/PluginSession.h"
@@ -9,18 +10,19 @@
 #include "host/SourceName.h"
 #include "stream/RawReader.h"
 
-// Every failure is a CFailure that names the source. One thread. [stream-thread]
+// Every failure is a CFailure that names the source, the reason and, once decoders were asked, who they are.
+// One thread. [stream-thread]
 class CSourceStream {
 public:
     // `wanted` is the format to deliver, null for the source's own.
     CSourceStream(const CPluginSession& session, const CSourceName& name, const SWavFormat* wanted);
 
     // The format that Read delivers.
-    SWavFormat GetFormat() const { return m_pReader->GetRawFormat(); }
+    SWavFormat GetFormat() const;
 
     // Announced length in sample frames of GetFormat(), 0 when unknown. The manager computes it in single precision:
     // beyond 2^24 frames it is rounded.
-    std::uint64_t GetAnnouncedFrames() const { return m_pBlockInfo->GetDataLength(); }
+    std::uint64_t GetAnnouncedFrames() const;
 
     void Start();
 
@@ -32,8 +34,16 @@ public:
 private:
     static CComPtr<IUnknown> Open(const CPluginSession& session, const CSourceName& name, const SWavFormat* wanted);
 
-    CSourceStream(const CSourceName& name, const CComPtr<IUnknown>& stream);
+    CSourceStream(const CPluginSession& session, const CSourceName& name, const CComPtr<IUnknown>& stream);
 
+    template <typename TCall>
+    auto Ask(const TCall& call) const;
+
+    int ReadOnce(unsigned char* buffer, int size, EAudioRawState& state);
+
+    [[noreturn]] void Fail(const std::string& reason) const;
+
+    const CPluginSession& m_session;
     const CSourceName& m_name;
     CComPtr<IAudioRawReader> m_pReader;
     CComPtr<IAudioRawBlockInfo> m_pBlockInfo;

@@ -20,18 +20,34 @@ constexpr const char* kSuffix = ".part";
 // Leaves room in NAME_MAX for the rest of the temporary name.
 constexpr std::size_t kLongestKeptName = 200;
 
-// A link stays a link: what it points to is replaced.
-std::string ResolveLinks(const std::string& output) {
-    std::error_code error;
-    const std::filesystem::path absolute = std::filesystem::absolute(output);
-    const std::filesystem::path resolved = std::filesystem::canonical(absolute, error);
-    return (error ? absolute : resolved).string();
+// The kernel's limit, path_resolution(7).
+constexpr int kMaxLinks = 40;
+
+constexpr mode_t kModeBits = 07777;
+
+// A link stays a link: what it points to is replaced, or made when it is missing.
+std::string ResolveLinks(const std::string& given) {
+    std::filesystem::path path = std::filesystem::absolute(given);
+    for (int i = 0; i <= kMaxLinks; ++i) {
+        std::error_code error;
+        const std::filesystem::path target = std::filesystem::read_symlink(path, error);
+        if (error) return path.string();
+        path = path.parent_path() / target;
+    }
+    throw CFailure(given, SystemErrorText(ELOOP));
 }
 
-void RequireReplaceable(const std::string& given, const std::string& output, const char* source) {
+mode_t ModeOfNewFile() {
+    const mode_t mask = umask(0);
+    umask(mask);
+    return 0666 & ~mask;
+}
+
+// Returns the mode that the output is to have.
+mode_t RequireReplaceable(const std::string& given, const std::string& output, const char* source) {
     struct stat existing = {};
     if (stat(output.c_str(), &existing) != 0) {
-        if (errno == ENOENT) return;
+        if (errno == ENOENT) return ModeOfNewFile();
         throw CFailure(given, SystemErrorText(errno));
     }
     if (S_ISDIR(existing.st_mode)) throw CFailure(given, SystemErrorText(EISDIR));
@@ -41,6 +57,7 @@ void RequireReplaceable(const std::string& given, const std::string& output, con
     if (stat(source, &input) == 0 && input.st_dev == existing.st_dev && input.st_ino == existing.st_ino) {
         throw CFailure(given, "the output is the input file itself");
     }
+    return existing.st_mode & kModeBits;
 }
 
 std::string MakeTemporary(const std::string& given, const std::filesystem::path& output) {
@@ -56,27 +73,20 @@ std::string MakeTemporary(const std::string& given, const std::filesystem::path&
     return path;
 }
 
-mode_t ModeOfNewFile() {
-    const mode_t mask = umask(0);
-    umask(mask);
-    return 0666 & ~mask;
-}
-
 }  // namespace
 
 CTargetFile::CTargetFile(std::string output, const char* source)
-    : m_strGiven(std::move(output)), m_strOutput(ResolveLinks(m_strGiven)) {
-    RequireReplaceable(m_strGiven, m_strOutput, source);
-    m_strTemporary = MakeTemporary(m_strGiven, m_strOutput);
-}
+    : m_strGiven(std::move(output)),
+      m_strOutput(ResolveLinks(m_strGiven)),
+      m_nMode(RequireReplaceable(m_strGiven, m_strOutput, source)),
+      m_strTemporary(MakeTemporary(m_strGiven, m_strOutput)) {}
 
 CTargetFile::~CTargetFile() {
     if (!m_strTemporary.empty()) unlink(m_strTemporary.c_str());
 }
 
 void CTargetFile::Commit() {
-    if (chmod(m_strTemporary.c_str(), ModeOfNewFile()) != 0 ||
-        std::rename(m_strTemporary.c_str(), m_strOutput.c_str()) != 0) {
+    if (chmod(m_strTemporary.c_str(), m_nMode) != 0 || std::rename(m_strTemporary.c_str(), m_strOutput.c_str()) != 0) {
         throw CFailure(m_strGiven, SystemErrorText(errno));
     }
     m_strTemporary.clear();

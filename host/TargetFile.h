@@ -1,13 +1,16 @@
 // The output file: written under a temporary name, shown under its own name only when it is complete.
 #pragma once
 
+#include <sys/types.h>
+
 #include <string>
 
 // Throws CFailure, naming the output as it was given. One thread.
 class CTargetFile {
 public:
     // Makes an empty private file beside the output. An output that exists must be a regular file that may be written
-    // and must not be `source`, a path that need not exist.
+    // and must not be `source`, a path that need not exist. An output that is a symbolic link stays one: the file at
+    // its end is meant, which need not exist.
     CTargetFile(std::string output, const char* source);
 
     // Removes the temporary unless Commit succeeded.
@@ -18,11 +21,13 @@ public:
 
     const std::string& GetTemporaryPath() const { return m_strTemporary; }
 
-    // Gives the file the mode of a newly made one and puts it in the output's place.
+    // Gives the file the mode of the output that it replaces, or of a newly made one, and puts it in the output's
+    // place.
     void Commit();
 
 private:
     std::string m_strGiven;
     std::string m_strOutput;
+    mode_t m_nMode;
     std::string m_strTemporary;
 };

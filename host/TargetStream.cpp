@@ -57,7 +57,9 @@ CComPtr<IAudioTarget> CTargetStream::OpenTarget(IAudioTargetOpener& encoder) con
 }
 
 CComPtr<IUnknown> CTargetStream::CreateStream() {
-    CObservingFactory factory(*m_pTarget->GetTargetFactory());
+    IURLAudioTargetFactory* const encoderFactory = m_pTarget->GetTargetFactory();
+    if (encoderFactory == nullptr) throw CFailure(m_place.m_strOutput, "its encoder has no target factory");
+    CObservingFactory factory(*encoderFactory);
     CComPtr<IUnknown> stream;
     CComPtr<IStatus> status;
     // After a failure the pointer may hold a bare encoder; it is released here as well.
@@ -91,7 +93,8 @@ void CTargetStream::Start() {
 void CTargetStream::Write(unsigned char* data, int size) {
     EAudioRawState state = ARS_MORE;
     CComPtr<IStatus> status;
-    if (m_pWriter->RawWrite(data, size, state, status.Out())) return;
+    // The aggregator passes over a convertor that fails; the status that the convertor leaves is the only sign.
+    if (m_pWriter->RawWrite(data, size, state, status.Out()) && !status) return;
     throw CFailure(m_place.m_strOutput,
                    "writing failed: " + StatusText(status.Get(), "its encoder tells no reason", m_place.m_strPath));
 }

@@ -1,6 +1,4 @@
 // keloaudio: the command-line host of the plug-in manager.
-#include <cerrno>
-#include <cstdio>
 #include <exception>
 #include <new>
 
@@ -9,6 +7,7 @@
 #include "host/FailureText.h"
 #include "host/ListCommand.h"
 #include "host/Options.h"
+#include "host/StandardOutput.h"
 #include "host/StopSignal.h"
 
 namespace {
@@ -22,7 +21,7 @@ void RunCommand(const SOptions& options) {
     } else {
         RunConvert(options.m_convert, options.m_strPluginDirectory);
     }
-    if (std::fflush(stdout) != 0) throw CFailure("standard output", SystemErrorText(errno));
+    FlushStandardOutput();
 }
 
 // Whatever ends a command ends here, as one line.
