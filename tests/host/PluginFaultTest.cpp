@@ -27,6 +27,20 @@ protected:
 
 TEST_F(PluginFault, ExceptionWhileReading) { ExpectFault("throws", "the decoder throws"); }
 
+TEST_F(PluginFault, FailedReadNamesTheDecodersAsked) {
+    for (const std::string script : {"throws", "nomemory", "nothing", "overcounts", "status", "nostart", "badformat",
+                                     "noend", "loner", "refuses"}) {
+        SCOPED_TRACE(script);
+        ExpectFault(script, "");
+        EXPECT_NE(ConvertScript(script).m_strErr.find(" (asked: Scripted Decoder"), std::string::npos);
+        std::filesystem::remove(InWork("in." + script));
+    }
+}
+
+TEST_F(PluginFault, StatusBesideTheEndIsAFailure) { ExpectFault("status", "reading failed: the sound breaks off"); }
+
+TEST_F(PluginFault, StatusBesideBytesIsAFailure) { ExpectFault("shortstatus", "reading failed: the sound breaks off"); }
+
 TEST_F(PluginFault, ShortMemoryWhileReading) { ExpectFault("nomemory", "not enough memory"); }
 
 TEST_F(PluginFault, EmptyReadsWithoutEnd) { ExpectFault("nothing", "its decoder delivers nothing and does not end"); }
@@ -56,6 +70,42 @@ TEST_F(PluginFault, EarlyEndIsWorthAWordButNoFailure) {
     EXPECT_EQ(result.m_nExit, 0);
     EXPECT_EQ(result.m_strErr, "keloaudio: in.short: ended early: 44100 frames announced, about 100 delivered\n");
     EXPECT_EQ(NamesIn(WorkDirectory()), (std::vector<std::string>{"in.short", "out.wav"}));
+}
+
+TEST_F(PluginFault, ConvertorThatFailsInMidstream) {
+    UseFixture("FailingConvertor.so");
+    ExpectFailure(RunWithChosen({"convert", kFrontCenter, "out.wav", "--bits", "24"}),
+                  {"Front_Center.wav: reading failed: the convertor is out of order (asked: "});
+    EXPECT_EQ(NamesIn(WorkDirectory()), std::vector<std::string>{});
+}
+
+TEST_F(PluginFault, ConvertorThatFailsInItsTail) {
+    UseFixture("FailingConvertor.so");
+    ExpectFailure(RunWithChosen({"convert", kFrontCenter, "out.wav", "--bits", "32"}),
+                  {"Front_Center.wav: reading failed: the convertor is out of order (asked: "});
+    EXPECT_EQ(NamesIn(WorkDirectory()), std::vector<std::string>{});
+}
+
+TEST_F(PluginFault, ConvertorThatFailsBeforeTheEncoder) {
+    UseFixture("FailingConvertor.so");
+    ExpectFailure(ConvertScript("endlesswide", "out.flac"),
+                  {"out.flac: writing failed: the convertor is out of order"});
+    EXPECT_EQ(NamesIn(WorkDirectory()), std::vector<std::string>{"in.endlesswide"});
+}
+
+TEST_F(PluginFault, DecoderWithoutANameOrAnExtension) {
+    UseFixture("NamelessDecoder.so");
+    ExpectFault("refuses", "two lines?of refusal (asked: ");
+    EXPECT_NE(ConvertScript("refuses").m_strErr.find("(no name)"), std::string::npos);
+    const std::string list = RunWithChosen({"list"}).m_strOut;
+    EXPECT_NE(list.find("NamelessDecoder.so 0  nameless\n"), std::string::npos) << list;
+}
+
+TEST_F(PluginFault, EncoderWithoutATargetFactory) {
+    UseFixture("FactorylessEncoder.so");
+    ExpectFailure(RunWithChosen({"convert", kFrontCenter, "out.nofactory"}),
+                  {"out.nofactory: its encoder has no target factory"});
+    EXPECT_EQ(NamesIn(WorkDirectory()), std::vector<std::string>{});
 }
 
 TEST_F(PluginFault, ConvertingTargetLeavesTheFactoryItsReferences) {

@@ -37,9 +37,15 @@ TEST_F(PluginFolder, PluginWithoutReadyToFinish) {
     ExpectRefused("no usable plug-in here (tried: LacksReadyToFinish.so)");
 }
 
+TEST_F(PluginFolder, PluginWithoutGetPrimaryAudioObject) {
+    UseFixture("LacksGetPrimaryAudioObject.so");
+    ExpectRefused("no usable plug-in here (tried: LacksGetPrimaryAudioObject.so)");
+}
+
 TEST_F(PluginFolder, UnusableNeighboursDoNotHarm) {
     m_scratch.Write("plugins/text.so", "These are words, no code.\n");
     UseFixture("LacksReadyToFinish.so");
+    UseFixture("LacksGetPrimaryAudioObject.so");
     UsePlugin(KELO_PLUGINS, "sndfile.so");
     ExpectConverted(RunWithChosen({"convert", kFrontCenter, "out.wav"}), "out.wav: 48000 Hz");
 }
