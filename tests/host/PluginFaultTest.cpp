@@ -37,6 +37,10 @@ TEST_F(PluginFault, FailedReadNamesTheDecodersAsked) {
     }
 }
 
+TEST_F(PluginFault, ReadThatFailsWithoutAWord) {
+    ExpectFault("failsread", "reading failed: its decoder tells no reason (asked: Scripted Decoder");
+}
+
 TEST_F(PluginFault, StatusBesideTheEndIsAFailure) { ExpectFault("status", "reading failed: the sound breaks off"); }
 
 TEST_F(PluginFault, StatusBesideBytesIsAFailure) { ExpectFault("shortstatus", "reading failed: the sound breaks off"); }

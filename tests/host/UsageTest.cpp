@@ -29,6 +29,14 @@ TEST_F(Usage, MissingOperandsAreNamed) {
     ExpectFailure(Run({"convert", kFrontCenter}), {"OUTPUT"}, 2);
 }
 
+TEST_F(Usage, EmptyNamesAreRefused) {
+    ExpectFailure(Run({"convert", "", "out.wav"}), {"keloaudio: INPUT: an empty name"}, 2);
+    ExpectFailure(Run({"convert", kFrontCenter, ""}), {"keloaudio: OUTPUT: an empty name"}, 2);
+    ExpectFailure(Run({"convert", kFrontCenter, "out.wav", "--plugins", ""}), {"--plugins: an empty name"}, 2);
+    ExpectFailure(Run({"list", "--plugins="}), {"--plugins: "}, 2);
+    EXPECT_EQ(NamesIn(WorkDirectory()), std::vector<std::string>{});
+}
+
 TEST_F(Usage, UnknownCommandOrOptionIsRefused) {
     ExpectFailure(Run({}), {"subcommand"}, 2);
     ExpectFailure(Run({"play"}), {"subcommand"}, 2);
