@@ -2,6 +2,7 @@
 #include "tests/host/RunProgram.h"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <spawn.h>
 #include <stdlib.h>
 #include <sys/wait.h>
@@ -11,6 +12,7 @@
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
+#include <thread>
 
 namespace {
 
@@ -30,31 +32,100 @@ void PrepareEnvironment() {
     if (kLeakChecker) setenv("ASAN_OPTIONS", "verify_asan_link_order=0", 1);
 }
 
+constexpr std::chrono::milliseconds kPollInterval{2};
+constexpr std::chrono::minutes kTimeLimit{1};
+
+class CSpawnActions {
+public:
+    CSpawnActions(const std::string& directory, const std::string& out, const std::string& err) {
+        constexpr int kCreate = O_WRONLY | O_CREAT | O_TRUNC;
+        posix_spawn_file_actions_init(&m_actions);
+        posix_spawn_file_actions_addopen(&m_actions, 0, "/dev/null", O_RDONLY, 0);
+        posix_spawn_file_actions_addopen(&m_actions, 1, out.c_str(), kCreate, 0600);
+        posix_spawn_file_actions_addopen(&m_actions, 2, err.c_str(), kCreate, 0600);
+        if (!directory.empty()) posix_spawn_file_actions_addchdir_np(&m_actions, directory.c_str());
+    }
+    ~CSpawnActions() { posix_spawn_file_actions_destroy(&m_actions); }
+
+    CSpawnActions(const CSpawnActions&) = delete;
+    CSpawnActions& operator=(const CSpawnActions&) = delete;
+
+    const posix_spawn_file_actions_t* Get() const { return &m_actions; }
+
+private:
+    posix_spawn_file_actions_t m_actions;
+};
+
+// Whoever runs the tests may ignore or block signals; the program under test inherits none of that.
+class CDefaultSignals {
+public:
+    CDefaultSignals() {
+        sigset_t defaults;
+        sigset_t mask;
+        sigfillset(&defaults);
+        sigemptyset(&mask);
+        posix_spawnattr_init(&m_attributes);
+        posix_spawnattr_setsigdefault(&m_attributes, &defaults);
+        posix_spawnattr_setsigmask(&m_attributes, &mask);
+        posix_spawnattr_setflags(&m_attributes, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
+    }
+    ~CDefaultSignals() { posix_spawnattr_destroy(&m_attributes); }
+
+    CDefaultSignals(const CDefaultSignals&) = delete;
+    CDefaultSignals& operator=(const CDefaultSignals&) = delete;
+
+    const posix_spawnattr_t* Get() const { return &m_attributes; }
+
+private:
+    posix_spawnattr_t m_attributes;
+};
+
 }  // namespace
 
 CRunningProgram::CRunningProgram(const std::vector<std::string>& command, const std::string& directory) {
     PrepareEnvironment();
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    constexpr int kCreate = O_WRONLY | O_CREAT | O_TRUNC;
-    posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, 1, (m_scratch / "out").c_str(), kCreate, 0600);
-    posix_spawn_file_actions_addopen(&actions, 2, (m_scratch / "err").c_str(), kCreate, 0600);
-    if (!directory.empty()) posix_spawn_file_actions_addchdir_np(&actions, directory.c_str());
+    const CSpawnActions actions(directory, m_scratch / "out", m_scratch / "err");
+    const CDefaultSignals signals;
     std::vector<std::string> words = command;
     std::vector<char*> arguments;
     for (std::string& word : words) arguments.push_back(word.data());
     arguments.push_back(nullptr);
-    const int error = posix_spawnp(&m_id, arguments[0], &actions, nullptr, arguments.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    if (error != 0) throw std::runtime_error("cannot run " + command.front());
+    if (posix_spawnp(&m_id, arguments[0], actions.Get(), signals.Get(), arguments.data(), environ) != 0) {
+        throw std::runtime_error("cannot run " + command.front());
+    }
+}
+
+CRunningProgram::~CRunningProgram() {
+    if (m_bEnded) return;
+    kill(m_id, SIGKILL);
+    waitpid(m_id, nullptr, 0);
+}
+
+void CRunningProgram::Signal(int signal) {
+    if (!HasEnded()) kill(m_id, signal);
+}
+
+bool CRunningProgram::HasEnded() {
+    if (m_bEnded) return true;
+    const pid_t ended = waitpid(m_id, &m_nStatus, WNOHANG);
+    if (ended < 0) throw std::runtime_error("lost a child");
+    m_bEnded = ended == m_id;
+    return m_bEnded;
+}
+
+bool CRunningProgram::WaitFor(std::chrono::milliseconds limit) {
+    const auto end = std::chrono::steady_clock::now() + limit;
+    while (!HasEnded()) {
+        if (std::chrono::steady_clock::now() >= end) return false;
+        std::this_thread::sleep_for(kPollInterval);
+    }
+    return true;
 }
 
 SRunResult CRunningProgram::Wait() {
-    int status = 0;
-    if (waitpid(m_id, &status, 0) != m_id) throw std::runtime_error("lost a child");
+    if (!WaitFor(kTimeLimit)) throw std::runtime_error("a program does not end");
     SRunResult result;
-    result.m_nExit = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+    result.m_nExit = WIFEXITED(m_nStatus) ? WEXITSTATUS(m_nStatus) : -WTERMSIG(m_nStatus);
     result.m_strOut = ReadWholeFile(m_scratch / "out");
     result.m_strErr = ReadWholeFile(m_scratch / "err");
     return result;

@@ -3,6 +3,7 @@
 
 #include <sys/types.h>
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -15,19 +16,34 @@ struct SRunResult {
     std::string m_strErr;
 };
 
-// A program that was started in the C locale; its output goes to files of a scratch directory of its own.
+// A program that was started in the C locale with default signal actions; its output goes to files of a scratch
+// directory of its own. The destructor kills it when it still runs.
 class CRunningProgram {
 public:
     // `directory` is where it starts; empty for the test's own.
     explicit CRunningProgram(const std::vector<std::string>& command, const std::string& directory = "");
+    ~CRunningProgram();
 
-    pid_t GetId() const { return m_id; }
+    CRunningProgram(const CRunningProgram&) = delete;
+    CRunningProgram& operator=(const CRunningProgram&) = delete;
 
+    // Nothing happens to a program that has ended.
+    void Signal(int signal);
+
+    // Whether it has ended after at most `limit`.
+    bool WaitFor(std::chrono::milliseconds limit);
+
+    // Throws when it does not end within a minute.
     SRunResult Wait();
 
 private:
+    // Until its end has been noticed the number is the program's own, even when it has ended.
+    bool HasEnded();
+
     CScratchDirectory m_scratch;
     pid_t m_id = -1;
+    bool m_bEnded = false;
+    int m_nStatus = 0;
 };
 
 SRunResult RunProgram(const std::vector<std::string>& command, const std::string& directory = "");

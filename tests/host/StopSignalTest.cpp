@@ -9,6 +9,8 @@
 
 namespace {
 
+constexpr int kMaxSignals = 50;
+
 class StopSignal : public CKeloAudio {
 protected:
     StopSignal() {
@@ -33,7 +35,7 @@ protected:
         CRunningProgram program({KELOAUDIO, "convert", "in.endless", "out.wav", "--plugins", PluginDirectory()},
                                 WorkDirectory());
         WaitForTemporary();
-        kill(program.GetId(), signal);
+        program.Signal(signal);
         ExpectFailure(program.Wait(), {"out.wav: interrupted"}, 128 + signal);
         EXPECT_EQ(NamesIn(WorkDirectory()), (std::vector<std::string>{"in.endless", "out.wav"}));
         EXPECT_EQ(ReadWholeFile(InWork("out.wav")), "the old content");
@@ -52,13 +54,17 @@ TEST_F(StopSignal, InterruptEndsTheWaitForAPipe) {
     ASSERT_EQ(mkfifo(InWork("pipe.wav").c_str(), 0600), 0);
     CRunningProgram program({KELOAUDIO, "convert", "pipe.wav", "out.wav"}, WorkDirectory());
     // The signal may come before the wait begins; then the next one ends it.
-    std::thread sender([&program] {
-        for (int i = 0; i < 50; ++i) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(100));
-            if (kill(program.GetId(), i == 0 ? 0 : SIGINT) != 0) return;
-        }
-    });
-    const SRunResult result = program.Wait();
-    sender.join();
-    ExpectFailure(result, {"pipe.wav: Interrupted system call"}, 128 + SIGINT);
+    for (int i = 0; i < kMaxSignals && !program.WaitFor(std::chrono::milliseconds(100)); ++i) program.Signal(SIGINT);
+    ExpectFailure(program.Wait(), {"pipe.wav: Interrupted system call"}, 128 + SIGINT);
+}
+
+TEST_F(StopSignal, IgnoredHangUpStaysIgnored) {
+    const std::string command =
+        std::string("trap '' HUP; exec ") + KELOAUDIO + " convert in.endless out.wav --plugins " + PluginDirectory();
+    CRunningProgram program({"bash", "-c", command}, WorkDirectory());
+    WaitForTemporary();
+    program.Signal(SIGHUP);
+    EXPECT_FALSE(program.WaitFor(std::chrono::milliseconds(200)));
+    program.Signal(SIGTERM);
+    ExpectFailure(program.Wait(), {"out.wav: interrupted"}, 128 + SIGTERM);
 }
