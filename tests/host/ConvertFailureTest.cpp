@@ -1,6 +1,4 @@
 // Failed conversions: one line, the reason, no trace.
-#include <unistd.h>
-
 #include "tests/host/KeloAudio.h"
 
 namespace {
@@ -23,6 +21,14 @@ TEST_F(ConvertFailure, EmptyInput) {
     ExpectCleanFailure("empty.wav", "out.wav", {"empty.wav: the file is empty"});
 }
 
+TEST_F(ConvertFailure, NobodyIsSaidToBeAskedWhereNobodyWas) {
+    std::filesystem::create_directory(InWork("folder.wav"));
+    m_scratch.Write("work/empty.wav", "");
+    for (const std::string input : {"missing.wav", "folder.wav", "empty.wav"}) {
+        EXPECT_EQ(Run({"convert", input, "out.wav"}).m_strErr.find("asked"), std::string::npos) << input;
+    }
+}
+
 TEST_F(ConvertFailure, WavCutInsideItsHeader) {
     m_scratch.Write("work/cut.wav", ReadWholeFile(kFrontCenter).substr(0, 30));
     ExpectCleanFailure("cut.wav", "out.flac", {"keloaudio: cut.wav: ", "(asked: libsndfile Decoder; plug-ins from "});
@@ -31,7 +37,8 @@ TEST_F(ConvertFailure, WavCutInsideItsHeader) {
 TEST_F(ConvertFailure, FlacCutInsideItsAudio) {
     Run({"convert", kFrontCenter, "cut.flac"});
     std::filesystem::resize_file(InWork("cut.flac"), 20000);
-    ExpectCleanFailure("cut.flac", "out.wav", {"keloaudio: cut.flac: reading failed: "});
+    ExpectCleanFailure("cut.flac", "out.wav",
+                       {"keloaudio: cut.flac: reading failed: ", " (asked: libsndfile Decoder; plug-ins from "});
 }
 
 TEST_F(ConvertFailure, TextNamedAsSound) {
@@ -81,11 +88,6 @@ TEST_F(ConvertFailure, MissingOutputDirectory) {
     ExpectFailure(Run({"convert", kFrontCenter, "nowhere/out.wav"}),
                   {"nowhere/out.wav: no file can be made in ", "/work/nowhere: No such file or directory"});
     EXPECT_EQ(NamesIn(WorkDirectory()), std::vector<std::string>{});
-}
-
-TEST_F(ConvertFailure, ReadOnlyOutputDirectory) {
-    // Not even root makes files in /sys.
-    ExpectFailure(Run({"convert", kFrontCenter, "/sys/out.wav"}), {"/sys/out.wav: no file can be made in /sys: "});
 }
 
 TEST_F(ConvertFailure, DirectoryAsOutput) {
