@@ -3,6 +3,7 @@
 
 #include <signal.h>
 #include <stdlib.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -37,6 +38,8 @@ public:
 
 private:
     [[noreturn]] static void Serve(int unused, int descriptor) {
+        // A test that Xlib or a failure ends early leaves no server behind.
+        prctl(PR_SET_PDEATHSIG, SIGTERM);
         close(unused);
         const std::string number = std::to_string(descriptor);
         execlp("Xvfb", "Xvfb", "-displayfd", number.c_str(), "-screen", "0", "1024x768x24", "-nolisten", "tcp",

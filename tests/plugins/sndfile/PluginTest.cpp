@@ -1,4 +1,5 @@
 // The plug-in's entry points and its components.
+#include "com/Configurable.h"
 #include "tests/plugins/sndfile/AudioFiles.h"
 #include "tests/plugins/sndfile/PluginUnderTest.h"
 #include "tests/support/ScratchDirectory.h"
@@ -27,6 +28,26 @@ TEST(SndfilePlugin, ExportsItsTwoEntryPointsAlone) {
         std::system(("nm -D --defined-only --format=just-symbols " KELO_SNDFILE_PLUGIN " | sort > " + list).c_str()),
         0);
     EXPECT_EQ(Content(list), "KELO_PLUGIN_GetPrimaryAudioObject\nKELO_PLUGIN_ReadyToFinish\n");
+}
+
+TEST(SndfilePlugin, NeedsNothingOfGtk) {
+    CScratchDirectory scratch;
+    const std::string list = scratch / "needed";
+    ASSERT_EQ(std::system(("readelf -d " KELO_SNDFILE_PLUGIN " | grep NEEDED > " + list).c_str()), 0);
+    EXPECT_NE(Content(list).find("[libsndfile.so.1]"), std::string::npos);
+    for (const char* const library : {"libgtk", "libgdk", "libglib", "libgobject"}) {
+        EXPECT_EQ(Content(list).find(library), std::string::npos) << library;
+    }
+}
+
+TEST(SndfilePlugin, HasNoAboutBoxWithoutGtk) {
+    for (const int index : {0, 1}) {
+        const auto about = CComPtr<IComponentAbout>::Query(Component(index).Get(), IID_IComponentAbout);
+        ASSERT_TRUE(about);
+        EXPECT_STREQ(about->GetVendor(), "Kelo Audio");
+        EXPECT_FALSE(about->HasAbout());
+        about->About();
+    }
 }
 
 TEST(SndfilePlugin, PrimaryComponentIsACollectionWithAReferenceForTheCaller) {
@@ -75,8 +96,8 @@ TEST(SndfilePlugin, ComponentsAcceptInitialisationAndTermination) {
 
 TEST(SndfilePlugin, QueryInterfaceOfComponentsKeepsTheRules) {
     const std::vector<std::vector<unsigned long>> offered = {
-        {IID_IUnknown, IID_IAudioFileOpener, IID_IExtensionList},
-        {IID_IUnknown, IID_IExtensionList, IID_IAudioTargetOpener}};
+        {IID_IUnknown, IID_IAudioFileOpener, IID_IExtensionList, IID_IComponentAbout},
+        {IID_IUnknown, IID_IExtensionList, IID_IAudioTargetOpener, IID_IComponentAbout}};
     for (const int index : {0, 1}) {
         const CComPtr<IAudioComponent> component = Component(index);
         EXPECT_EQ(component->QueryInterface(IID_IUnknown, nullptr), 3);

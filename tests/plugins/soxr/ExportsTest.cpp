@@ -23,6 +23,14 @@ TEST(SoxrExports, OnlyTheEntrySymbolsAreShown) {
     EXPECT_EQ(names, (std::set<std::string>{"KELO_PLUGIN_GetPrimaryAudioObject", "KELO_PLUGIN_ReadyToFinish"}));
 }
 
+TEST(SoxrExports, NothingOfGtkIsNeeded) {
+    const std::string dynamic = OutputOf(KELO_READELF " -d " KELO_SOXR_PLUGIN);
+    EXPECT_NE(dynamic.find("[libsoxr.so.0]"), std::string::npos) << dynamic;
+    for (const char* const library : {"libgtk", "libgdk", "libglib", "libgobject"}) {
+        EXPECT_EQ(dynamic.find(library), std::string::npos) << library;
+    }
+}
+
 TEST(SoxrExports, FileIsNamedAfterThePlugin) {
     const std::string path = KELO_SOXR_PLUGIN;
     EXPECT_EQ(path.substr(path.rfind('/') + 1), "soxr.so");

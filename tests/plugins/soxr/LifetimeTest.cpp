@@ -1,4 +1,5 @@
 // The component, its faces, and what keeps the plug-in loaded.
+#include "com/Configurable.h"
 #include "com/FeatureSupport.h"
 #include "tests/plugins/soxr/PluginUnderTest.h"
 
@@ -34,7 +35,8 @@ TEST(SoxrLifetime, ComponentAnswersItsFacesWithOneReferenceEach) {
     IAudioComponent& component = plugin.Component();
     const unsigned int before = component.AddRef();
     component.Release();
-    for (const unsigned long identity : {IID_IUnknown, IID_IConvertorFactory, IID_IFeatureSupport}) {
+    for (const unsigned long identity :
+         {IID_IUnknown, IID_IConvertorFactory, IID_IFeatureSupport, IID_IConfigurable, IID_IComponentAbout}) {
         void* face = nullptr;
         ASSERT_EQ(component.QueryInterface(identity, &face), kInterfaceFound) << identity;
         EXPECT_EQ(static_cast<IUnknown*>(face)->Release(), before - 1) << identity;
@@ -54,6 +56,18 @@ TEST(SoxrLifetime, OnlyTheBasicFeatureIsSupportedAndNothingCanBeSwitched) {
     EXPECT_FALSE(features->IsSupported(static_cast<EAudioFeature>(2)));
     EXPECT_FALSE(features->EnableSupport(AF_BASIC, true));
     EXPECT_FALSE(features->EnableSupport(AF_ADVANCED_FORMATS, true));
+}
+
+TEST(SoxrDialogs, AreNotThereWithoutGtk) {
+    const CPluginUnderTest plugin;
+    const auto about = CComPtr<IComponentAbout>::Query(&plugin.Component(), IID_IComponentAbout);
+    ASSERT_TRUE(about);
+    EXPECT_STREQ(about->GetVendor(), "Kelo Audio");
+    EXPECT_FALSE(about->HasAbout());
+    about->About();
+    const auto settings = CComPtr<IConfigurable>::Query(&plugin.Component(), IID_IConfigurable);
+    ASSERT_TRUE(settings);
+    EXPECT_FALSE(settings->Configure());
 }
 
 TEST(SoxrLifetime, PluginIsNotReadyToFinishWhileAConvertorLives) {
