@@ -6,6 +6,7 @@
 #include "host/Failure.h"
 #include "host/FailureText.h"
 #include "host/PluginSession.h"
+#include "host/SettingsCommand.h"
 
 namespace {
 
@@ -40,6 +41,20 @@ void AddConvertOptions(CLI::App& command, SConvertOptions& options) {
         ->check(CLI::Range(1, kMaxChannels));
 }
 
+void AddImagesOption(CLI::App& command, std::string& directory) {
+    command
+        .add_option("--images", directory,
+                    "Directory of the dialog's icons; \"share/keloaudiopluginmgr/images\" beside the program's "
+                    "directory if left out")
+        ->type_name("DIR")
+        ->check(RefuseEmpty);
+}
+
+SOptions::ECommand CommandOf(const CLI::App& convert, const CLI::App& settings) {
+    if (convert.parsed()) return SOptions::ECommand::Convert;
+    return settings.parsed() ? SOptions::ECommand::Settings : SOptions::ECommand::List;
+}
+
 // The parser's first line alone; the rest repeats where help is.
 int ReportWrongUsage(const std::string& text) {
     const std::string reason = text.substr(0, text.find('\n')) + " (see keloaudio --help)";
@@ -50,13 +65,17 @@ int ReportWrongUsage(const std::string& text) {
 }  // namespace
 
 bool ParseOptions(int argc, char** argv, SOptions& options, int& exitStatus) {
-    CLI::App app("Converts audio files through the plug-in manager and lists its plug-ins.", "keloaudio");
+    CLI::App app("Converts audio files through the plug-in manager, lists its plug-ins and shows their settings.",
+                 "keloaudio");
     app.set_version_flag("--version", "keloaudio " KELO_VERSION);
     app.require_subcommand(1);
     CLI::App& list = *app.add_subcommand("list", "List the components of the plug-ins");
     CLI::App& convert = *app.add_subcommand("convert", "Convert one audio file");
+    CLI::App& settings = *app.add_subcommand("settings", "Show the plug-ins and their settings in a dialog");
     AddPluginOption(list, options.m_strPluginDirectory);
     AddPluginOption(convert, options.m_strPluginDirectory);
+    AddPluginOption(settings, options.m_strPluginDirectory);
+    AddImagesOption(settings, options.m_strImagesDirectory);
     AddConvertOptions(convert, options.m_convert);
     try {
         app.parse(argc, argv);
@@ -64,7 +83,8 @@ bool ParseOptions(int argc, char** argv, SOptions& options, int& exitStatus) {
         exitStatus = error.get_exit_code() == 0 ? app.exit(error) : ReportWrongUsage(error.what());
         return false;
     }
-    options.m_eCommand = convert.parsed() ? SOptions::ECommand::Convert : SOptions::ECommand::List;
+    options.m_eCommand = CommandOf(convert, settings);
     if (options.m_strPluginDirectory.empty()) options.m_strPluginDirectory = DefaultPluginDirectory();
+    if (options.m_strImagesDirectory.empty()) options.m_strImagesDirectory = DefaultImagesDirectory();
     return true;
 }

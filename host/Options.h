@@ -14,10 +14,11 @@ struct SConvertOptions {
 };
 
 struct SOptions {
-    enum class ECommand { List, Convert };
+    enum class ECommand { List, Convert, Settings };
 
     ECommand m_eCommand = ECommand::List;
     std::string m_strPluginDirectory;
+    std::string m_strImagesDirectory;
     SConvertOptions m_convert;
 
     // What a failure without a name of its own is about.

@@ -3,9 +3,9 @@
 
 #include <signal.h>
 
-#include <initializer_list>
-
 namespace {
+
+constexpr int kStopSignals[] = {SIGINT, SIGTERM, SIGHUP};
 
 volatile sig_atomic_t g_nStopSignal = 0;
 
@@ -17,12 +17,21 @@ void WatchStopSignals() {
     struct sigaction action = {};
     action.sa_handler = RememberSignal;
     // Without SA_RESTART: a wait for a pipe or a slow file ends too.
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    for (const int signal : kStopSignals) {
         struct sigaction inherited = {};
         sigaction(signal, nullptr, &inherited);
         if (inherited.sa_handler != SIG_IGN) sigaction(signal, &action, nullptr);
     }
     signal(SIGXFSZ, SIG_IGN);
+}
+
+void UnwatchStopSignals() {
+    for (const int watched : kStopSignals) {
+        struct sigaction action = {};
+        sigaction(watched, nullptr, &action);
+        if (action.sa_handler == RememberSignal) signal(watched, SIG_DFL);
+    }
+    if (g_nStopSignal != 0) raise(g_nStopSignal);
 }
 
 int GetStopSignal() { return g_nStopSignal; }

@@ -7,6 +7,7 @@
 #include "host/FailureText.h"
 #include "host/ListCommand.h"
 #include "host/Options.h"
+#include "host/SettingsCommand.h"
 #include "host/StandardOutput.h"
 #include "host/StopSignal.h"
 
@@ -15,20 +16,28 @@ namespace {
 // The shell's number for a program that a signal ended.
 constexpr int kExitSignalBase = 128;
 
-void RunCommand(const SOptions& options) {
-    if (options.m_eCommand == SOptions::ECommand::List) {
-        RunList(options.m_strPluginDirectory);
-    } else {
-        RunConvert(options.m_convert, options.m_strPluginDirectory);
+// The exit status.
+int RunCommand(const SOptions& options) {
+    int exitStatus = 0;
+    switch (options.m_eCommand) {
+        case SOptions::ECommand::List:
+            RunList(options.m_strPluginDirectory);
+            break;
+        case SOptions::ECommand::Convert:
+            RunConvert(options.m_convert, options.m_strPluginDirectory);
+            break;
+        case SOptions::ECommand::Settings:
+            exitStatus = RunSettings(options.m_strPluginDirectory, options.m_strImagesDirectory) ? 0 : kExitFailed;
+            break;
     }
     FlushStandardOutput();
+    return exitStatus;
 }
 
 // Whatever ends a command ends here, as one line.
-int RunReported(const char* subject, void (*run)(const SOptions&), const SOptions& options) noexcept {
+int RunReported(const char* subject, int (*run)(const SOptions&), const SOptions& options) noexcept {
     try {
-        run(options);
-        return 0;
+        return run(options);
     } catch (const CFailure& failure) {
         ReportFailure(nullptr, failure.what());
     } catch (const std::bad_alloc&) {
