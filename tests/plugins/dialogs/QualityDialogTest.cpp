@@ -3,8 +3,8 @@
 #include <cmath>
 
 #include "stream/Convertor.h"
-#include "tests/plugins/dialogs/DialogDriver.h"
-#include "tests/plugins/dialogs/LoadedPlugins.h"
+#include "tests/plugins/LoadedPlugins.h"
+#include "tests/support/DialogDriver.h"
 
 namespace {
 
