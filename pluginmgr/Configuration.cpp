@@ -1,5 +1,6 @@
 // The manager's own settings dialog.
+#include "com/SettingsDialogRun.h"
 #include "pluginmgr/AudioPluginMgr.h"
 
-// False: there is no dialog that could have been accepted.
-bool CAudioPluginMgr::Configure() { return false; }
+// The stored pointer itself, not what GetAppWindow makes of it.
+bool CAudioPluginMgr::Configure() { return RunAudioFormatSettingsDialog(m_pAppWindow); }

@@ -1,9 +1,10 @@
-// GTK_IS_WINDOW through symbols that the host's own GTK 2 provides.
+// GTK_IS_WINDOW through the functions of the GTK 2 that is in the process, whoever brought it.
 #include "pluginmgr/GtkWindowCheck.h"
 
 #include <dlfcn.h>
 
 #include <cstddef>
+#include <memory>
 
 namespace {
 
@@ -15,22 +16,23 @@ struct STypeInstance {
     STypeClass* m_pClass;
 };
 
-template <typename TFunction>
-TFunction FindGlobal(const char* symbol) {
-    return reinterpret_cast<TFunction>(dlsym(RTLD_DEFAULT, symbol));
-}
+struct SCloseLibrary {
+    void operator()(void* library) const { dlclose(library); }
+};
 
-bool IsGtk2Loaded() {
-    const auto* const major = FindGlobal<const unsigned int*>("gtk_major_version");
-    return major != nullptr && *major == 2;
+template <typename TFunction>
+TFunction Find(void* library, const char* symbol) {
+    return reinterpret_cast<TFunction>(dlsym(library, symbol));
 }
 
 }  // namespace
 
 bool IsGtkWindow(void* instance) {
-    if (instance == nullptr || !IsGtk2Loaded()) return false;
-    const auto windowType = FindGlobal<std::size_t (*)()>("gtk_window_get_type");
-    const auto isA = FindGlobal<int (*)(void*, std::size_t)>("g_type_check_instance_is_a");
+    if (instance == nullptr) return false;
+    const std::unique_ptr<void, SCloseLibrary> gtk(dlopen("libgtk-x11-2.0.so.0", RTLD_NOW | RTLD_NOLOAD));
+    if (gtk == nullptr) return false;
+    const auto windowType = Find<std::size_t (*)()>(gtk.get(), "gtk_window_get_type");
+    const auto isA = Find<int (*)(void*, std::size_t)>(gtk.get(), "g_type_check_instance_is_a");
     if (windowType == nullptr || isA == nullptr) return false;
 
     const STypeClass* const instanceClass = static_cast<STypeInstance*>(instance)->m_pClass;

@@ -1,0 +1,30 @@
+# Loading a library at its first use instead of with the target that calls it.
+#
+#   kelo_delay_load(<target> NAME <name> LIBRARY <soname> FUNCTIONS <function>...)
+#
+# Each function becomes a jump stub of the target, so that its sources call it as the library's own headers declare it.
+# The stubs are filled by the generated function
+#
+#   const char* DelayLoad_<name>();
+#
+# which opens the library with its symbols in the global scope and looks every function up there. It returns null, or
+# the reason why the library or one of its functions cannot be had; then nothing may be called. [any thread]
+
+set(KELO_DELAY_LOAD_TEMPLATE ${CMAKE_CURRENT_LIST_DIR}/DelayLoad.cpp.in)
+
+function(kelo_delay_load target)
+  cmake_parse_arguments(PARSE_ARGV 1 DELAY "" "NAME;LIBRARY" "FUNCTIONS")
+  set(DELAY_STUBS "")
+  set(DELAY_NAMES "")
+  set(index 0)
+  foreach(function IN LISTS DELAY_FUNCTIONS)
+    math(EXPR offset "8 * ${index}")
+    string(APPEND DELAY_STUBS "    KELO_DELAY_STUB(\"${function}\", \"${offset}\")\n")
+    string(APPEND DELAY_NAMES "    \"${function}\",\n")
+    math(EXPR index "${index} + 1")
+  endforeach()
+  set(source ${CMAKE_CURRENT_BINARY_DIR}/DelayLoad_${DELAY_NAME}.cpp)
+  configure_file(${KELO_DELAY_LOAD_TEMPLATE} ${source} @ONLY)
+  target_sources(${target} PRIVATE ${source})
+  target_link_libraries(${target} PRIVATE ${CMAKE_DL_LIBS})
+endfunction()
