@@ -13,7 +13,6 @@ CDecoderStream::CDecoderStream(const char* path, std::unique_ptr<CSoundFile> fil
 
 int CDecoderStream::InnerQueryInterface(unsigned long identity, void** face) {
     ISeekable* const seekable = m_reader.File().IsSeekable() ? this : nullptr;
-    IInfoReader* const info = m_tags ? this : nullptr;
     IIndexArray* const index = m_vCuePoints.empty() ? nullptr : this;
     return AnswerQuery(*this, identity, face,
                        {{IID_IUnknown, Identity()},
@@ -22,7 +21,7 @@ int CDecoderStream::InnerQueryInterface(unsigned long identity, void** face) {
                         {IID_IAudioRawReader, static_cast<IAudioRawReader*>(this)},
                         {IID_IAudioRawBlockInfo, static_cast<IAudioRawBlockInfo*>(this)},
                         {IID_ISeekable, seekable},
-                        {IID_IInfoReader, info},
+                        {IID_IInfoReader, static_cast<IInfoReader*>(this)},
                         {IID_IIndexArray, index},
                         {IID_ISourceName, static_cast<ISourceName*>(this)}});
 }
@@ -62,17 +61,10 @@ bool CDecoderStream::ReadFrames(unsigned char* buffer, int size, int* read, EAud
             "a buffer of " + std::to_string(size) + " bytes does not hold a frame of " + std::to_string(blockSize));
     }
     const sf_count_t frames = m_reader.Read(buffer, size / blockSize);
-    if (frames == CSampleReader::kDamaged) return RefuseDamage(status);
+    if (frames == CSampleReader::kFailed) return Refuse(status, m_strPath, m_reader.Failure());
     *read = static_cast<int>(frames * blockSize);
     state = frames == 0 ? ARS_END : ARS_MORE;
     return true;
-}
-
-bool CDecoderStream::RefuseDamage(IStatus** status) const {
-    const std::string& format = m_reader.File().FormatName();
-    return Refuse(status, m_strPath,
-                  "damaged " + (format.empty() ? "" : format + " ") + "audio after frame " +
-                      std::to_string(m_reader.Position()) + ": " + m_reader.Damage());
 }
 
 std::uint64_t CDecoderStream::GetRawLen() {

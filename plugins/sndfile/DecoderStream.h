@@ -2,7 +2,6 @@
 #pragma once
 
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,7 +18,8 @@ class CDecoderStream final : public CStreamObject<IProcess, IAudioRawReader, IAu
 public:
     CDecoderStream(const char* path, std::unique_ptr<CSoundFile> file);
 
-    // ISeekable only for seekable files, IInfoReader only for files with tags, IIndexArray only for files with cues.
+    // ISeekable only for seekable files, IIndexArray only for files with cues. IInfoReader for every file: a source
+    // completes title and artist from the file's name only where it is offered.
     int InnerQueryInterface(unsigned long identity, void** face) override;
 
     // Starts at the first frame, also after an earlier End.
@@ -52,11 +52,10 @@ public:
 private:
     bool ReadFrames(unsigned char* buffer, int size, int* read, EAudioRawState& state, IStatus** status);
     bool SeekFrames(unsigned long position, IStatus** status);
-    bool RefuseDamage(IStatus** status) const;
-    const char* Tag(std::string STags::*tag) const { return m_tags ? ((*m_tags).*tag).c_str() : ""; }
+    const char* Tag(std::string STags::*tag) const { return (m_tags.*tag).c_str(); }
 
     std::string m_strPath;
-    std::optional<STags> m_tags;
+    STags m_tags;
     std::vector<std::uint64_t> m_vCuePoints;
     CSampleReader m_reader;
     bool m_bInProcess = false;

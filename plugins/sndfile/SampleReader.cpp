@@ -58,14 +58,22 @@ CSampleReader::CSampleReader(std::unique_ptr<CSoundFile> file)
 }
 
 sf_count_t CSampleReader::Read(unsigned char* buffer, sf_count_t frames) {
-    if (m_bDamaged) return kDamaged;
+    if (m_bDamaged) return kFailed;
     // Beyond the last frame a codec may stumble over a tag at the end of the file.
     const sf_count_t wanted = m_nLength != 0 ? std::min(frames, m_nLength - m_nPosition) : frames;
     const sf_count_t count = ReadPieces(buffer, wanted);
     m_nPosition += count;
-    if (count == 0 && m_bDamaged) return kDamaged;
-    if (count == 0) m_nLength = m_nPosition;
-    return count;
+    if (count != 0) return count;
+    if (m_bDamaged) return kFailed;
+    m_nLength = m_nPosition;
+    return m_file->ShortfallAt(m_nPosition).empty() ? 0 : kFailed;
+}
+
+std::string CSampleReader::Failure() const {
+    if (!m_bDamaged) return m_file->ShortfallAt(m_nPosition);
+    const std::string& format = m_file->FormatName();
+    return "damaged " + (format.empty() ? "" : format + " ") + "audio after frame " + std::to_string(m_nPosition) +
+           ": " + m_strDamage;
 }
 
 // A piece in which the codec meets damage is dropped: it does not tell which of its frames are good.
@@ -136,7 +144,6 @@ bool CSampleReader::Seek(sf_count_t position) {
 bool CSampleReader::Reopen() {
     if (!m_file->Reopen()) return false;
     m_bDamaged = false;
-    m_strDamage.clear();
     m_nPosition = 0;
     return true;
 }

@@ -24,13 +24,13 @@ public:
     sf_count_t Length() const { return m_nLength; }
 
     // Frames stored in `buffer`, 0 at the end. After damage in the file the frames before it are still delivered,
-    // then every read gives kDamaged until a seek.
+    // then every read gives kFailed until a seek; so does every read at the end of a file that is cut short.
     sf_count_t Read(unsigned char* buffer, sf_count_t frames);
 
-    static constexpr sf_count_t kDamaged = -1;
+    static constexpr sf_count_t kFailed = -1;
 
-    // What the codec said about the damage.
-    const std::string& Damage() const { return m_strDamage; }
+    // Why the last read failed.
+    std::string Failure() const;
 
     // To the first frame, in every file. Ends damage.
     bool Rewind();
@@ -57,5 +57,5 @@ private:
     std::vector<int> m_vIntegers;  // one piece of an SR_INTEGER source
     std::vector<float> m_vFloats;  // one piece of an SR_FLOAT_TO_16 source
     bool m_bDamaged = false;
-    std::string m_strDamage;
+    std::string m_strDamage;  // what the codec said
 };

@@ -18,8 +18,8 @@ struct SSignature {
 
 constexpr SSignature kSignatures[] = {
     {"RIFF", "WAVE", "WAV"},  {"RIFX", "WAVE", "WAV"}, {"RF64", "WAVE", "WAV"}, {"FORM", "AIFF", "AIFF"},
-    {"FORM", "AIFC", "AIFC"}, {".snd", "", "AU"},      {"caff", "", "CAF"},     {"riff", "", "W64"},
-    {"fLaC", "", "FLAC"},     {"OggS", "", "Ogg"},     {"ID3", "", "MP3"},
+    {"FORM", "AIFC", "AIFC"}, {".snd", "", "AU"},      {"dns.", "", "AU"},      {"caff", "", "CAF"},
+    {"riff", "", "W64"},      {"fLaC", "", "FLAC"},    {"OggS", "", "Ogg"},     {"ID3", "", "MP3"},
 };
 
 std::string FormatNameOf(int descriptor) {
@@ -45,6 +45,28 @@ std::string ReasonAgainst(const CFileDescriptor& descriptor) {
     return {};
 }
 
+// Bytes of one sample in codings that have no frames of their own; 0 for the others.
+int SampleBytesOf(int coding) {
+    switch (coding) {
+        case SF_FORMAT_PCM_S8:
+        case SF_FORMAT_PCM_U8:
+        case SF_FORMAT_ULAW:
+        case SF_FORMAT_ALAW:
+            return 1;
+        case SF_FORMAT_PCM_16:
+            return 2;
+        case SF_FORMAT_PCM_24:
+            return 3;
+        case SF_FORMAT_PCM_32:
+        case SF_FORMAT_FLOAT:
+            return 4;
+        case SF_FORMAT_DOUBLE:
+            return 8;
+        default:
+            return 0;
+    }
+}
+
 }  // namespace
 
 std::unique_ptr<CSoundFile> CSoundFile::Open(const char* path, std::string& reason) {
@@ -52,28 +74,66 @@ std::unique_ptr<CSoundFile> CSoundFile::Open(const char* path, std::string& reas
     reason = ReasonAgainst(descriptor);
     if (!reason.empty()) return nullptr;
 
-    // The codec gets no name: by some names it would take any bytes for headerless audio.
-    std::string formatName = FormatNameOf(descriptor.Get());
-    SF_INFO info = {};
-    CSndFileHandle handle(sf_open_fd(descriptor.Get(), SFM_READ, &info, SF_FALSE));
-    if (handle == nullptr) {
+    const std::string formatName = FormatNameOf(descriptor.Get());
+    auto file = std::make_unique<CSoundFile>(std::move(descriptor), formatName);
+    if (!file->OpenHandle()) {
         // libsndfile keeps this error for the whole process: of two failures at once, one may show the other's reason.
-        reason = "not readable as " + (formatName.empty() ? "" : formatName + " ") + "audio: " + sf_strerror(nullptr);
+        const std::string& refusal = file->m_survey.m_strRefusal;
+        reason = "not readable as " + (formatName.empty() ? "" : formatName + " ") +
+                 "audio: " + (refusal.empty() ? sf_strerror(nullptr) : refusal);
         return nullptr;
     }
-    return std::make_unique<CSoundFile>(std::move(descriptor), std::move(handle), info, std::move(formatName));
+    if (file->m_info.frames < file->m_survey.m_nCounted) {
+        reason = "not readable as MPEG audio: the codec would deliver " + std::to_string(file->m_info.frames) + " of " +
+                 std::to_string(file->m_survey.m_nCounted) + " frames";
+        return nullptr;
+    }
+    file->Promise();
+    return file;
 }
 
-CSoundFile::CSoundFile(CFileDescriptor descriptor, CSndFileHandle handle, const SF_INFO& info, std::string formatName)
+CSoundFile::CSoundFile(CFileDescriptor descriptor, std::string formatName)
     : m_descriptor(std::move(descriptor)),
-      m_handle(std::move(handle)),
-      m_info(info),
-      m_strFormatName(std::move(formatName)) {}
+      m_strFormatName(std::move(formatName)),
+      m_survey(SurveyOf(m_descriptor.Get(), m_strFormatName)) {
+    if (m_survey.m_splice) m_spliced = std::make_unique<CSplicedFile>(m_descriptor.Get(), *m_survey.m_splice);
+}
+
+// The codec gets no name: by some names it would take any bytes for headerless audio.
+bool CSoundFile::OpenHandle() {
+    m_info = {};
+    m_handle.reset(m_spliced != nullptr ? m_spliced->OpenHandle(m_info)
+                                        : sf_open_fd(m_descriptor.Get(), SFM_READ, &m_info, SF_FALSE));
+    return m_handle != nullptr;
+}
 
 bool CSoundFile::Reopen() {
     m_handle.reset();
-    if (::lseek(m_descriptor.Get(), 0, SEEK_SET) != 0) return false;
-    SF_INFO info = {};
-    m_handle.reset(sf_open_fd(m_descriptor.Get(), SFM_READ, &info, SF_FALSE));
-    return m_handle != nullptr;
+    return ::lseek(m_descriptor.Get(), 0, SEEK_SET) == 0 && OpenHandle();
+}
+
+// What the survey could not tell without the codec.
+void CSoundFile::Promise() {
+    const int container = m_info.format & SF_FORMAT_TYPEMASK;
+    const bool counted = container == SF_FORMAT_FLAC || (container == SF_FORMAT_MPEG && m_survey.m_splice);
+    if (counted && m_survey.m_nPromised == 0 && m_info.frames < SF_COUNT_MAX) m_survey.m_nPromised = m_info.frames;
+
+    if (!m_survey.m_extent || !m_survey.m_extent->IsCutShort()) return;
+    const int frameBytes = SampleBytesOf(m_info.format & SF_FORMAT_SUBMASK) * m_info.channels;
+    if (frameBytes == 0) {
+        m_survey.m_bEndMissing = true;
+    } else {
+        m_survey.m_nPromised = static_cast<sf_count_t>(m_survey.m_extent->m_nDeclared) / frameBytes;
+    }
+}
+
+std::string CSoundFile::ShortfallAt(sf_count_t frames) const {
+    const bool fewer = frames < m_survey.m_nPromised;
+    if (!fewer && !m_survey.m_bEndMissing) return {};
+    const std::string there = std::to_string(frames);
+    const std::string of = there + " of " + std::to_string(m_survey.m_nPromised) + " frames";
+    if (!fewer) return "cut short: the end is missing, " + there + " frames are there";
+    // Frames of MPEG audio that were counted are there, whatever the codec makes of them.
+    const bool counted = (m_info.format & SF_FORMAT_TYPEMASK) == SF_FORMAT_MPEG && !m_survey.m_bEndMissing;
+    return counted ? "only " + of + " can be decoded" : "cut short: " + of + " are there";
 }

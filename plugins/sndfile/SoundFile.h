@@ -5,6 +5,7 @@
 #include <string>
 
 #include "plugins/sndfile/FileDescriptor.h"
+#include "plugins/sndfile/FileSurvey.h"
 #include "plugins/sndfile/SndFileHandle.h"
 
 // Owns the file and the codec's handle. [stream-thread]
@@ -13,7 +14,10 @@ public:
     // Null when the file cannot be opened or read as audio; `reason` then tells why. [any thread]
     static std::unique_ptr<CSoundFile> Open(const char* path, std::string& reason);
 
-    CSoundFile(CFileDescriptor descriptor, CSndFileHandle handle, const SF_INFO& info, std::string formatName);
+    CSoundFile(CFileDescriptor descriptor, std::string formatName);
+
+    CSoundFile(const CSoundFile&) = delete;
+    CSoundFile& operator=(const CSoundFile&) = delete;
 
     // A new codec handle at the first frame of the same file. False leaves no usable handle.
     bool Reopen();
@@ -26,9 +30,17 @@ public:
     // Such as "FLAC"; empty when the file's first bytes do not tell.
     const std::string& FormatName() const { return m_strFormatName; }
 
+    // Why a sound that ends after `frames` frames is not the whole one; empty when it is.
+    std::string ShortfallAt(sf_count_t frames) const;
+
 private:
+    bool OpenHandle();
+    void Promise();
+
     CFileDescriptor m_descriptor;
-    CSndFileHandle m_handle;
-    SF_INFO m_info;
     std::string m_strFormatName;
+    SFileSurvey m_survey;
+    std::unique_ptr<CSplicedFile> m_spliced;  // what the codec reads, unless it reads the file itself
+    CSndFileHandle m_handle;
+    SF_INFO m_info = {};
 };

@@ -53,17 +53,9 @@ std::string TagOf(SNDFILE* file, int kind) {
     return IsUtf8(text) ? text : FromLatin1(text);
 }
 
-bool HasAnyTag(SNDFILE* file) {
-    for (int kind = SF_STR_FIRST; kind <= SF_STR_LAST; ++kind) {
-        if (sf_get_string(file, kind) != nullptr) return true;
-    }
-    return false;
-}
-
 }  // namespace
 
-std::optional<STags> TagsOf(SNDFILE* file) {
-    if (!HasAnyTag(file)) return std::nullopt;
+STags TagsOf(SNDFILE* file) {
     return STags{TagOf(file, SF_STR_TITLE), TagOf(file, SF_STR_ARTIST), TagOf(file, SF_STR_ALBUM),
                  TagOf(file, SF_STR_DATE), TagOf(file, SF_STR_GENRE)};
 }

@@ -3,7 +3,6 @@
 
 #include <sndfile.h>
 
-#include <optional>
 #include <string>
 
 // UTF-8; empty where the file has no such tag.
@@ -15,5 +14,4 @@ struct STags {
     std::string m_strGenre;
 };
 
-// None for a file without any tag, of these kinds or of another.
-std::optional<STags> TagsOf(SNDFILE* file);
+STags TagsOf(SNDFILE* file);

@@ -78,15 +78,6 @@ TEST(SndfileRefusals, TellNullArguments) {
         AE_BAD_ARGUMENT);
 }
 
-TEST(SndfileDamage, OfATruncatedWavLeavesWhatIsThere) {
-    CScratchDirectory scratch;
-    const SWavFormat format{44100, 16, 2};
-    const std::string samples = RandomBytes(40000);
-    const std::string whole = WavFile(format, samples);
-    const std::string path = scratch.Write("cut.wav", whole.substr(0, whole.size() - 10001));
-    EXPECT_EQ(Decoded(path), samples.substr(0, 40000 - 10001 - 3));
-}
-
 TEST(SndfileDamage, OfAFlacFileIsToldWithItsReasonAfterTheFramesBeforeIt) {
     CScratchDirectory scratch;
     SSource source(DamagedFlac(scratch));

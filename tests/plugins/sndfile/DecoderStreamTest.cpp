@@ -185,19 +185,6 @@ TEST(SndfileStream, SaysZeroForALengthThatTheFileDoesNotTell) {
     EXPECT_TRUE(ReadOn(source) == Decoded(kVoice));
 }
 
-TEST(SndfileStream, CorrectsAnEstimatedLengthAtTheEnd) {
-    CScratchDirectory scratch;
-    RunTool("sox -R -M " + kVoice + " " + kNoise + " " + scratch / "x.wav" + " rate 44100");
-    RunTool("lame --quiet -t " + scratch / "x.wav" + " " + scratch / "x.mp3");
-    SSource source(scratch / "x.mp3");
-    ASSERT_TRUE(source.m_process->Start(nullptr));
-    const std::uint64_t estimate = source.m_reader->GetRawLen();
-    const std::string samples = ReadOn(source);
-    EXPECT_NE(estimate, samples.size());
-    EXPECT_EQ(source.m_reader->GetRawLen(), samples.size());
-    EXPECT_EQ(source.m_blocks->GetPos(), source.m_blocks->GetDataLength());
-}
-
 TEST(SndfileStream, OfACodecThatCannotSeekIsNotSeekableButStartsAgain) {
     CScratchDirectory scratch;
     // G.721 in an AU file: every byte is two samples.

@@ -12,6 +12,8 @@ void MakeFile(const CScratchDirectory& scratch, const std::string& name) {
     const std::string extension = name.substr(name.find('.') + 1);
     if (extension == "ogg") return RunTool("oggenc -Q -o " + path + " " + wav);
     if (extension == "opus") return RunTool("opusenc --quiet " + wav + " " + path);
+    if (name == "bare.mp3") return RunTool("lame --quiet -V2 -t " + wav + " " + path);
+    if (name == "tagged.mp3") return RunTool("lame --quiet -V2 -t --add-id3v2 --tt Title " + wav + " " + path);
     if (extension == "mp3") return RunTool("lame --quiet " + wav + " " + path);
     const std::string options = name == "deep.wav" ? "-b 24 " : name == "law.au" ? "-e u-law " : "";
     RunTool("sox -D " + wav + " " + options + path);
@@ -80,7 +82,7 @@ TEST_P(CSeek, ToTheEndMakesTheNextReadTheEnd) {
 
 INSTANTIATE_TEST_SUITE_P(SndfileSeek, CSeek,
                          testing::Values("x.wav", "deep.wav", "x.aiff", "law.au", "x.caf", "x.w64", "x.flac", "x.ogg",
-                                         "x.opus", "x.mp3"),
+                                         "x.opus", "x.mp3", "bare.mp3", "tagged.mp3"),
                          [](const auto& parameter) {
                              std::string name = parameter.param;
                              return name.replace(name.find('.'), 1, "_");

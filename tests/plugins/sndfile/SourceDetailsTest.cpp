@@ -103,16 +103,17 @@ TEST(SndfileTags, OfWavFilesComeOutAsUtf8) {
     }
 }
 
-TEST(SndfileTags, OfAnotherKindMakeTheReaderAvailableWithEmptyTexts) {
+TEST(SndfileTags, OfAnotherKindLeaveTheTextsEmpty) {
     CScratchDirectory scratch;
     const std::string list = ListOf({{"ICMT", "recorded in the kitchen"}});
     const std::string path = scratch.Write("x.wav", WavFile(kMono, RandomBytes(200), 1, list));
     EXPECT_EQ(TagsOf(path), (STagTexts{}));
 }
 
-TEST(SndfileTags, AreNotOfferedByAFileWithoutAny) {
+TEST(SndfileTags, AreEmptyTextsInAFileWithoutAny) {
     CScratchDirectory scratch;
-    EXPECT_FALSE(Offers(scratch.Write("x.wav", WavFile(kMono, RandomBytes(200))), IID_IInfoReader));
+    EXPECT_EQ(TagsOf(scratch.Write("x.wav", WavFile(kMono, RandomBytes(200)))), (STagTexts{}));
+    EXPECT_EQ(TagsOf(kVoice), (STagTexts{}));
 }
 
 TEST(SndfileCues, OfAWavFileAreIndexPointsInAscendingOrder) {

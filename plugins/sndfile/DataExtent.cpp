@@ -1,0 +1,124 @@
+// How many bytes of samples the header of a sound file declares, and how many are there.
+#include "plugins/sndfile/DataExtent.h"
+
+#include <algorithm>
+
+namespace {
+
+using CNumberReader = std::uint64_t (*)(std::string_view);
+
+// A container of chunks: where they begin, and what each begins with.
+struct SChunkLayout {
+    std::uint64_t m_nFirst;
+    std::size_t m_nNameBytes;
+    std::size_t m_nSizeBytes;
+    std::uint64_t m_nSizeCounts;  // bytes of its own header that a chunk's size includes
+    std::uint64_t m_nAlignment;
+    CNumberReader m_pNumber;
+};
+
+struct SChunk {
+    std::uint64_t m_nSizeField;
+    std::uint64_t m_nContent;
+    std::uint64_t m_nSize;  // of the content
+};
+
+struct SFormatLayout {
+    const char* m_strFormat;
+    SChunkLayout m_layout;
+    const char* m_strData;        // the chunk of the samples
+    std::uint64_t m_nDataHeader;  // bytes before the samples in it
+};
+
+// Names of W64 chunks are GUIDs that begin with the name of RIFF.
+constexpr SChunkLayout kRiff = {12, 4, 4, 0, 2, FromLittleEndian};
+constexpr SChunkLayout kBigRiff = {12, 4, 4, 0, 2, FromBigEndian};
+constexpr SChunkLayout kW64 = {40, 16, 8, 24, 8, FromLittleEndian};
+constexpr SChunkLayout kCaf = {8, 4, 8, 0, 1, FromBigEndian};
+constexpr SFormatLayout kFormats[] = {{"WAV", kRiff, "data", 0},
+                                      {"AIFF", kBigRiff, "SSND", 8},
+                                      {"AIFC", kBigRiff, "SSND", 8},
+                                      {"W64", kW64, "data", 0},
+                                      {"CAF", kCaf, "data", 4}};
+
+// The first chunk of that name.
+std::optional<SChunk> FindChunk(CFileBytes& file, const SChunkLayout& layout, std::string_view name) {
+    const std::size_t headerBytes = layout.m_nNameBytes + layout.m_nSizeBytes;
+    for (std::uint64_t at = layout.m_nFirst;;) {
+        const std::string_view header = file.At(at, headerBytes);
+        if (header.size() < headerBytes) return std::nullopt;
+        const std::uint64_t size = layout.m_pNumber(header.substr(layout.m_nNameBytes));
+        if (size < layout.m_nSizeCounts) return std::nullopt;
+        const SChunk chunk{at + layout.m_nNameBytes, at + headerBytes, size - layout.m_nSizeCounts};
+        if (header.substr(0, name.size()) == name) return chunk;
+        const std::uint64_t padding = (layout.m_nAlignment - chunk.m_nSize % layout.m_nAlignment) % layout.m_nAlignment;
+        if (chunk.m_nSize >= file.Size() - chunk.m_nContent) return std::nullopt;
+        at = chunk.m_nContent + chunk.m_nSize + padding;
+    }
+}
+
+// What writers to a pipe put where a size belongs: nothing, all ones, the greatest signed number, or a number just
+// below the greatest one that is a whole count of frames (sox: 0x7F000000 in AIFF, 0x7FFFF000 in WAV).
+bool IsUnknown(std::uint64_t size) {
+    constexpr std::uint64_t kSlack = 0x10000;
+    const auto isBelow = [size](std::uint64_t limit) { return size <= limit && size > limit - kSlack; };
+    return size == 0 || isBelow(0xFFFFFFFF) || isBelow(0x80000000) || isBelow(0x7F000000 + 0x100) || size >> 62 != 0;
+}
+
+std::string SizeBytes(std::uint64_t size, const SChunkLayout& layout) {
+    std::string bytes;
+    for (std::size_t i = 0; i < layout.m_nSizeBytes; ++i) bytes += static_cast<char>(size >> (8 * i));
+    if (layout.m_pNumber == FromBigEndian) std::reverse(bytes.begin(), bytes.end());
+    return bytes;
+}
+
+// Four printable characters, as all names of chunks begin, and a size that fits the file.
+bool IsChunk(CFileBytes& file, const SChunkLayout& layout, std::uint64_t at) {
+    const std::size_t headerBytes = layout.m_nNameBytes + layout.m_nSizeBytes;
+    const std::string_view header = file.At(at, headerBytes);
+    return header.size() == headerBytes &&
+           std::all_of(header.begin(), header.begin() + 4, [](char name) { return name >= ' ' && name <= '~'; }) &&
+           layout.m_pNumber(header.substr(layout.m_nNameBytes)) <= file.Size() - at;
+}
+
+// EBU Tech 3306: the sizes that do not fit 32 bits are in a chunk of their own, that of the samples its second.
+std::uint64_t LongDataSize(CFileBytes& file) {
+    const auto sizes = FindChunk(file, kRiff, "ds64");
+    return sizes ? FromLittleEndian(file.At(sizes->m_nContent + 8, 8)) : 0;
+}
+
+// .snd, offset of the samples, their size (Sun's audio(5)); .snd turned round, lowest bytes first.
+std::optional<SDataExtent> FindAuExtent(CFileBytes& file) {
+    const SChunkLayout& layout = file.At(0, 1) == "." ? kBigRiff : kRiff;
+    const std::string_view header = file.At(0, 12);
+    if (header.size() < 12) return std::nullopt;
+    const std::uint64_t start = layout.m_pNumber(header.substr(4, 4));
+    const std::uint64_t size = layout.m_pNumber(header.substr(8));
+    const std::uint64_t present = file.Size() > start ? file.Size() - start : 0;
+    return SDataExtent{IsUnknown(size) ? 0 : size, present, size == 0 && present != 0, 8, SizeBytes(present, layout)};
+}
+
+}  // namespace
+
+std::optional<SDataExtent> FindDataExtent(CFileBytes& file, const std::string& formatName) {
+    if (formatName == "AU") return FindAuExtent(file);
+    const auto format = std::find_if(std::begin(kFormats), std::end(kFormats),
+                                     [&](const SFormatLayout& entry) { return formatName == entry.m_strFormat; });
+    if (format == std::end(kFormats)) return std::nullopt;
+    const SChunkLayout& layout = file.At(0, 4) == "RIFX" ? kBigRiff : format->m_layout;
+    const auto data = FindChunk(file, layout, format->m_strData);
+    if (!data) return std::nullopt;
+
+    std::uint64_t header = format->m_nDataHeader;
+    // AIFF 1.3: the samples begin behind as many bytes as the first word says.
+    if (format->m_strData[0] == 'S') header += FromBigEndian(file.At(data->m_nContent, 4));
+    std::uint64_t size = data->m_nSize;
+    if (size == 0xFFFFFFFF && file.At(0, 4) == "RF64") size = LongDataSize(file);
+
+    const std::uint64_t start = data->m_nContent + header;
+    const std::uint64_t present = file.Size() > start ? file.Size() - start : 0;
+    const bool open = size <= header ? !IsChunk(file, layout, start) : IsUnknown(size) && size - header > present;
+    const bool unfinished = open && present != 0 && (layout.m_nSizeBytes == 8 || present < 0xFFFF0000);
+    return SDataExtent{IsUnknown(size) || size < header ? 0 : size - header, present, unfinished, data->m_nSizeField,
+                       SizeBytes(present + header + layout.m_nSizeCounts, layout)};
+}

@@ -1,0 +1,23 @@
+// How many bytes of samples the header of a sound file declares, and how many are there.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "plugins/sndfile/FileBytes.h"
+
+struct SDataExtent {
+    std::uint64_t m_nDeclared;  // 0 where the header does not know
+    std::uint64_t m_nPresent;   // up to the end of the file
+    bool m_bUnfinished;         // the size was never filled in, and some are there
+
+    std::uint64_t m_nSizeField;  // where the file declares the size
+    std::string m_strTrueSize;   // what would stand there for those that are present
+
+    bool IsCutShort() const { return m_nPresent < m_nDeclared; }
+};
+
+// Of a file of the format `formatName` (as CSoundFile::FormatName tells it). None when the format has no such field or
+// when it is not found.
+std::optional<SDataExtent> FindDataExtent(CFileBytes& file, const std::string& formatName);

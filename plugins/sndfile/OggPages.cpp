@@ -1,0 +1,69 @@
+// Where the pages of an Ogg file end.
+#include "plugins/sndfile/OggPages.h"
+
+#include <optional>
+
+namespace {
+
+// RFC 3533, 6: 27 bytes, of which 5 is the header type, 26 the count of lacing values that follow.
+constexpr std::size_t kHeaderBytes = 27;
+constexpr char kEndOfStream = 4;
+constexpr std::uint64_t kMostPageBytes = 65307;
+
+struct SPage {
+    std::uint64_t m_nEnd;
+    bool m_bEndsStream;
+    bool m_bEndsInPacket;
+};
+
+// The page at `at`, if its whole header is there.
+std::optional<SPage> PageAt(CFileBytes& file, std::uint64_t at) {
+    const std::string_view header = file.At(at, kHeaderBytes + 255);
+    if (header.size() < kHeaderBytes || header.substr(0, 4) != "OggS" || header[4] != 0) return std::nullopt;
+    const std::size_t count = static_cast<unsigned char>(header[26]);
+    if (header.size() < kHeaderBytes + count) return std::nullopt;
+    const std::string_view lacing = header.substr(kHeaderBytes, count);
+    std::uint64_t end = at + kHeaderBytes + count;
+    for (const char value : lacing) end += static_cast<unsigned char>(value);
+    return SPage{end, (header[5] & kEndOfStream) != 0, !lacing.empty() && lacing.back() == '\xFF'};
+}
+
+// From `at` on; the end of the file when there is none.
+std::uint64_t FindCapture(CFileBytes& file, std::uint64_t at) {
+    while (at < file.Size() && file.At(at, 4) != "OggS") ++at;
+    return at;
+}
+
+// A page that another one or the end of the file follows: no chance find.
+std::uint64_t FindPage(CFileBytes& file, std::uint64_t at) {
+    for (;; ++at) {
+        at = FindCapture(file, at);
+        if (at >= file.Size()) return at;
+        const auto page = PageAt(file, at);
+        if (page && (page->m_nEnd >= file.Size() || file.At(page->m_nEnd, 4) == "OggS")) return at;
+    }
+}
+
+}  // namespace
+
+SOggEnd FindOggEnd(CFileBytes& file) {
+    const std::uint64_t size = file.Size();
+    const std::uint64_t from = size > 2 * kMostPageBytes ? size - 2 * kMostPageBytes : 0;
+    SOggEnd end;
+    std::optional<SPage> last;
+    for (std::uint64_t at = FindPage(file, from); at < size;) {
+        const auto page = PageAt(file, at);
+        if (page && page->m_nEnd > size) break;
+        if (!page) {
+            at = FindPage(file, at + 1);
+            continue;
+        }
+        last = page;
+        at = end.m_nAt = page->m_nEnd;
+    }
+    const bool complete = last && last->m_bEndsStream;
+    const bool inPacket = last && last->m_bEndsInPacket;
+    const bool inPage = end.m_nAt < size && (!complete || file.At(end.m_nAt, 4) == "OggS");
+    end.m_bCutShort = inPage || (inPacket && !complete);
+    return end;
+}
