@@ -59,8 +59,13 @@ bool CEncoderStream::WriteFrames(const unsigned char* data, int size, IStatus** 
                       std::string("a ") + m_output.m_strName + " file holds at most 4 GiB; try FLAC");
     }
     const std::int64_t frames = size / blockSize;
-    if (m_writer.Write(m_file->Handle(), data, frames) != frames) {
-        return Refuse(status, m_strPath, "cannot be written: " + m_file->Reason());
+    const std::int64_t written = m_writer.Write(m_file->Handle(), data, frames);
+    if (written != frames) {
+        const std::string reason = m_file->Reason();
+        return Refuse(status, m_strPath,
+                      "cannot be written: " + (reason.empty() ? "the codec took " + std::to_string(written) + " of " +
+                                                                    std::to_string(frames) + " frames"
+                                                              : reason));
     }
     m_nBytes = bytes;
     return true;

@@ -9,9 +9,13 @@
 std::unique_ptr<COutputFile> COutputFile::Create(const std::string& path, const SF_INFO& info, std::string& reason) {
     auto file = std::make_unique<COutputFile>(
         CFileDescriptor(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666)));
-    // Headers are completed at the end, so a pipe will not do.
-    if (!file->m_descriptor.IsOpen() || !file->m_descriptor.IsSeekable()) {
+    if (!file->m_descriptor.IsOpen()) {
         reason = SystemReason(errno);
+        return nullptr;
+    }
+    // Headers are completed at the end.
+    if (!file->m_descriptor.IsSeekable()) {
+        reason = errno == ESPIPE ? "a pipe is no file" : SystemReason(errno);
         return nullptr;
     }
     SF_VIRTUAL_IO operations = {Length, Seek, nullptr, Write, Tell};
