@@ -19,14 +19,13 @@ public:
         m_nProcess = fork();
         if (m_nProcess == 0) Serve(ends[0], ends[1]);
         close(ends[1]);
-        char number[16] = "";
-        const ssize_t length = m_nProcess > 0 ? read(ends[0], number, sizeof number - 1) : 0;
+        const std::string number = m_nProcess > 0 ? ReadLine(ends[0]) : std::string();
         close(ends[0]);
-        if (length <= 1) {
+        if (number.empty()) {
             End();
             throw std::runtime_error("no X server (Debian: xvfb)");
         }
-        m_strName = ":" + std::string(number, static_cast<std::size_t>(length) - 1);
+        m_strName = ":" + number;
         setenv("DISPLAY", m_strName.c_str(), 1);
     }
     ~CVirtualDisplay() { End(); }
@@ -45,6 +44,17 @@ private:
         execlp("Xvfb", "Xvfb", "-displayfd", number.c_str(), "-screen", "0", "1024x768x24", "-nolisten", "tcp",
                static_cast<char*>(nullptr));
         _exit(127);
+    }
+
+    // The server writes the number and the end of its line one after the other; empty when it ends before that.
+    static std::string ReadLine(int descriptor) {
+        std::string line;
+        char character = 0;
+        while (read(descriptor, &character, 1) == 1) {
+            if (character == '\n') return line;
+            line += character;
+        }
+        return {};
     }
 
     void End() {
