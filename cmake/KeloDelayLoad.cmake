@@ -3,12 +3,13 @@
 #   kelo_delay_load(<target> NAME <name> LIBRARY <soname> FUNCTIONS <function>...)
 #
 # Each function becomes a jump stub of the target, so that its sources call it as the library's own headers declare it.
-# The stubs are filled by the generated function
+# Variables of the library cannot be had this way. The stubs are filled by the generated function
 #
-#   const char* DelayLoad_<name>();
+#   std::string DelayLoad_<name>();
 #
-# which opens the library with its symbols in the global scope and looks every function up there. It returns null, or
-# the reason why the library or one of its functions cannot be had; then nothing may be called. [any thread]
+# which opens the library with its symbols in the global scope and looks every function up there. It returns the empty
+# string, or the reason why the library or one of its functions cannot be had; then no stub may be called, and a later
+# call tries again. [any thread]
 
 set(KELO_DELAY_LOAD_TEMPLATE ${CMAKE_CURRENT_LIST_DIR}/DelayLoad.cpp.in)
 

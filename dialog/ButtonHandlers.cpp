@@ -10,31 +10,36 @@
 
 namespace {
 
-// A row as its page's list shows it; the component is null when no row is selected.
-struct SSelectedRow {
-    CComPtr<IAudioComponent> m_pComponent;
-    bool m_bFlag = false;
-};
-
-SSelectedRow SelectedRow(GtkButton* button, EListColumn flagColumn) {
+// The component of the selected row, null when there is none. `flagColumn` is read along and decides nothing: a
+// component without the interface is found out by asking it.
+CComPtr<IAudioComponent> SelectedComponent(GtkButton* button, EListColumn flagColumn) {
     auto* const view = static_cast<GtkTreeView*>(g_object_get_data(G_OBJECT(button), kTreeViewKey));
     GtkTreeModel* model = nullptr;
     GtkTreeIter row;
-    if (gtk_tree_selection_get_selected(gtk_tree_view_get_selection(view), &model, &row) == FALSE) return {};
+    if (gtk_tree_selection_get_selected(gtk_tree_view_get_selection(view), &model, &row) == FALSE) return nullptr;
     gpointer component = nullptr;
     gboolean flag = FALSE;
     gtk_tree_model_get(model, &row, LC_COMPONENT, &component, flagColumn, &flag, -1);
-    return {CComPtr<IAudioComponent>(static_cast<IAudioComponent*>(component)), flag != FALSE};
+    return CComPtr<IAudioComponent>(static_cast<IAudioComponent*>(component));
 }
 
-// The settings dialog is the host's window while a component shows a dialog of its own. Afterwards there is none until
-// the host sets one again: deliberate, as is that the window is set without regard to what the row offers.
-template <typename TAction>
-void WithDialogAsAppWindow(const SettingsDialogContext& context, TAction action) {
+// Calls `action` with the component's interface, if it has it, while the settings dialog is the manager's app window.
+// Afterwards there is no app window until the host sets one again: deliberate, and so whatever the component has.
+// The component may end the dialog and its context meanwhile, and its exceptions must not reach GTK's frames.
+template <typename TInterface, typename TAction>
+void CallWithDialogAsAppWindow(const SettingsDialogContext& context, IAudioComponent* component, unsigned long identity,
+                               TAction action) {
     const auto window = CComPtr<IAppWindow>::Query(context.pMgr, IID_IAppWindow);
+    CComPtr<TInterface> face;
+    CallGuarded([&] {
+        face = CComPtr<TInterface>::Query(component, identity);
+        return true;
+    });
     if (window) window->SetAppWindow(GTK_WINDOW(context.pDialog));
-    // A component's exception must not reach GTK's frames.
-    CallGuarded([&] { return action(), true; });
+    CallGuarded([&] {
+        if (face) action(*face);
+        return true;
+    });
     if (window) window->SetAppWindow(nullptr);
 }
 
@@ -57,23 +62,19 @@ gboolean OnRowSelected(GtkTreeSelection* /*selection*/, GtkTreeModel* model, Gtk
 }  // namespace
 
 void OnConfigureClicked(GtkButton* button, gpointer data) {
-    const SettingsDialogContext& context = *static_cast<SettingsDialogContext*>(data);
-    const SSelectedRow row = SelectedRow(button, LC_CONFIGURABLE);
-    if (!row.m_pComponent) return;
-    WithDialogAsAppWindow(context, [&] {
-        const auto configurable = CComPtr<IConfigurable>::Query(row.m_pComponent.Get(), IID_IConfigurable);
-        if (configurable) configurable->Configure();
-    });
+    const auto component = SelectedComponent(button, LC_CONFIGURABLE);
+    if (!component) return;
+    CallWithDialogAsAppWindow<IConfigurable>(*static_cast<SettingsDialogContext*>(data), component.Get(),
+                                             IID_IConfigurable, [](IConfigurable& face) { face.Configure(); });
 }
 
 void OnAboutClicked(GtkButton* button, gpointer data) {
-    const SettingsDialogContext& context = *static_cast<SettingsDialogContext*>(data);
-    const SSelectedRow row = SelectedRow(button, LC_HAS_ABOUT);
-    if (!row.m_pComponent) return;
-    WithDialogAsAppWindow(context, [&] {
-        const auto about = CComPtr<IComponentAbout>::Query(row.m_pComponent.Get(), IID_IComponentAbout);
-        if (about && about->HasAbout()) about->About();
-    });
+    const auto component = SelectedComponent(button, LC_HAS_ABOUT);
+    if (!component) return;
+    CallWithDialogAsAppWindow<IComponentAbout>(*static_cast<SettingsDialogContext*>(data), component.Get(),
+                                               IID_IComponentAbout, [](IComponentAbout& face) {
+                                                   if (face.HasAbout()) face.About();
+                                               });
 }
 
 void FollowSelection(SettingsDialogContext* context, EDialogPage page) {

@@ -3,42 +3,45 @@
 
 #include <dlfcn.h>
 #include <gtk/gtk.h>
+#include <stdlib.h>
 
 #include <cstdio>
 #include <string>
 
-// Generated: fills the jump stubs. Null, or the reason why the library cannot be had.
-const char* DelayLoad_gtk2();
+// Generated: fills the jump stubs. Empty, or the reason why the library cannot be had.
+std::string DelayLoad_gtk2();
 
 namespace {
 
 bool IsLoaded(const char* library) {
-    void* const handle = dlopen(library, RTLD_NOW | RTLD_NOLOAD);
+    void* const handle = dlopen(library, RTLD_LAZY | RTLD_NOLOAD);
     if (handle != nullptr) dlclose(handle);
     return handle != nullptr;
 }
 
-// GTK 2 ends a process that holds another GTK's types. Only later ones have this function.
-bool IsOtherGtkLoaded() {
+// GTK 2 ends a process that holds the types of a later GTK. Only the later ones have this function.
+bool IsLaterGtkLoaded() {
     return dlsym(RTLD_DEFAULT, "gtk_get_major_version") != nullptr || IsLoaded("libgtk-3.so.0") ||
            IsLoaded("libgtk-4.so.1");
 }
 
-// The locale is the host's and the manager's; GTK would set it from the environment. It must be told before it is
-// initialised, and complains when it is told afterwards.
-void KeepLocale() {
-    static bool told = false;
-    if (told || gdk_display_get_default() != nullptr) return;
-    told = true;
-    gtk_disable_setlocale();
+// Whoever initialised it, and whether or not there was a display: GDK interns this name when it begins.
+bool IsGtkInitialised() { return gdk_atom_intern("GDK_SELECTION", TRUE) != GDK_NONE; }
+
+std::string WhyNoDisplay() {
+    const char* const display = getenv("DISPLAY");
+    if (display == nullptr || *display == '\0') return "there is no display; DISPLAY is not set";
+    return "the display \"" + std::string(display) + "\" of DISPLAY cannot be opened";
 }
 
 // Empty when GTK 2 can be used.
 std::string WhyNoGtk() {
-    if (IsOtherGtkLoaded()) return "another version of GTK is in this process";
-    if (const char* const reason = DelayLoad_gtk2()) return reason;
-    KeepLocale();
-    return gtk_init_check(nullptr, nullptr) != FALSE ? std::string() : "no display can be opened";
+    if (IsLaterGtkLoaded()) return "a later GTK is in this process, and both cannot be";
+    const std::string reason = DelayLoad_gtk2();
+    if (!reason.empty()) return reason;
+    // The locale is the host's and the manager's. GTK takes this before it is initialised and complains afterwards.
+    if (!IsGtkInitialised()) gtk_disable_setlocale();
+    return gtk_init_check(nullptr, nullptr) != FALSE ? std::string() : WhyNoDisplay();
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include "com/Configurable.h"
 #include "com/InterfaceIds.h"
 #include "pluginmgr/GetAudioPluginMgr.h"
+#include "stream/GuardedCall.h"
 
 namespace {
 
@@ -58,22 +59,30 @@ const char* FindFileName(IAudioPluginMgr& manager, IAudioComponent& component, C
     return found ? info.m_strLibraryFileName.GetText() : nullptr;
 }
 
+// Asks the component for everything before the row exists, so that one which throws leaves no half row.
 void AppendRow(GtkTreeView* view, IAudioPluginMgr& manager, IAudioComponent& component, const char* iconWord) {
     const CPixbuf icon = LoadIcon(manager, iconWord);
-    auto* const store = GTK_LIST_STORE(gtk_tree_view_get_model(view));
-    GtkTreeIter row;
-    gtk_list_store_append(store, &row);
-
     const auto about = CComPtr<IComponentAbout>::Query(&component, IID_IComponentAbout);
     const gboolean hasAbout = about && about->HasAbout() ? TRUE : FALSE;
     const char* const vendor = about ? about->GetVendor() : nullptr;
     const auto configurable = CComPtr<IConfigurable>::Query(&component, IID_IConfigurable);
     COMPONENT_INFO info;
     const char* const fileName = FindFileName(manager, component, info);
+    const char* const name = component.GetName();
 
-    gtk_list_store_set(store, &row, LC_ICON, icon.get(), LC_NAME, component.GetName(), LC_VENDOR, vendor, LC_FILE_NAME,
-                       fileName, LC_CONFIGURABLE, configurable ? TRUE : FALSE, LC_HAS_ABOUT, hasAbout, LC_COMPONENT,
-                       &component, -1);
+    auto* const store = GTK_LIST_STORE(gtk_tree_view_get_model(view));
+    GtkTreeIter row;
+    gtk_list_store_append(store, &row);
+    gtk_list_store_set(store, &row, LC_ICON, icon.get(), LC_NAME, name, LC_VENDOR, vendor, LC_FILE_NAME, fileName,
+                       LC_CONFIGURABLE, configurable ? TRUE : FALSE, LC_HAS_ABOUT, hasAbout, LC_COMPONENT, &component,
+                       -1);
+}
+
+// Components that the dialog has no page for are passed over.
+void AddComponent(const SettingsDialogContext& context, IAudioComponent& component) {
+    const SPageOfType* const page = FindPage(component.GetType());
+    if (page == nullptr) return;
+    AppendRow(context.pages[page->m_ePage].pTreeView, *context.pMgr, component, page->m_pIconWord);
 }
 
 }  // namespace
@@ -85,8 +94,7 @@ void FillPages(SettingsDialogContext& context) {
     for (int i = 0; i < count; ++i) {
         CComPtr<IAudioComponent> component;
         if (!components->GetComponent(i, component.Out()) || !component) return;
-        const SPageOfType* const page = FindPage(component->GetType());
-        if (page == nullptr) continue;
-        AppendRow(context.pages[page->m_ePage].pTreeView, *context.pMgr, *component, page->m_pIconWord);
+        // A component that throws has no row; the others have theirs.
+        CallGuarded([&] { return AddComponent(context, *component), true; });
     }
 }

@@ -63,7 +63,7 @@ GtkWidget* BuildDialog(SettingsDialogContext* context, GtkWindow* parent) {
     gtk_window_set_title(GTK_WINDOW(widget), dgettext(kTextDomain, "Audio Format Settings"));
     gtk_window_set_default_size(GTK_WINDOW(widget), kDefaultWidth, kDefaultHeight);
 
-    // What a plug-in throws ends the filling; the rows so far stay.
+    // Without the manager, or with half of its components, the dialog is still one.
     CallGuarded([&] { return FillPages(*context), true; });
     if (GTK_IS_WINDOW(parent)) {
         gtk_window_set_transient_for(GTK_WINDOW(widget), parent);
