@@ -34,6 +34,16 @@ TEST_F(ConvertFailure, WavCutInsideItsHeader) {
     ExpectCleanFailure("cut.wav", "out.flac", {"keloaudio: cut.wav: ", "(asked: libsndfile Decoder; plug-ins from "});
 }
 
+TEST_F(ConvertFailure, WavCutInsideItsAudio) {
+    m_scratch.Write("work/cut.wav", ReadWholeFile(kFrontCenter).substr(0, 100000));
+    for (const std::vector<std::string>& options :
+         {std::vector<std::string>{}, {"--rate", "8000"}, {"--channels", "2"}}) {
+        ExpectCleanFailure("cut.wav", "out.wav",
+                           {"keloaudio: cut.wav: reading failed: ", " (asked: libsndfile Decoder; plug-ins from "},
+                           options);
+    }
+}
+
 TEST_F(ConvertFailure, FlacCutInsideItsAudio) {
     Run({"convert", kFrontCenter, "cut.flac"});
     std::filesystem::resize_file(InWork("cut.flac"), 20000);
