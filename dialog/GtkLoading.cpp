@@ -5,6 +5,7 @@
 #include <gtk/gtk.h>
 #include <stdlib.h>
 
+#include <clocale>
 #include <cstdio>
 #include <string>
 
@@ -25,8 +26,19 @@ bool IsLaterGtkLoaded() {
            IsLoaded("libgtk-4.so.1");
 }
 
-// Whoever initialised it, and whether or not there was a display: GDK interns this name when it begins.
-bool IsGtkInitialised() { return gdk_atom_intern("GDK_SELECTION", TRUE) != GDK_NONE; }
+// The locale is the host's and the manager's; GTK sets it from the environment when it is initialised, and asking it
+// not to brings a warning where the host has initialised it already.
+class CKeptLocale {
+public:
+    CKeptLocale() : m_strLocale(std::setlocale(LC_ALL, nullptr)) {}
+    ~CKeptLocale() { std::setlocale(LC_ALL, m_strLocale.c_str()); }
+
+    CKeptLocale(const CKeptLocale&) = delete;
+    CKeptLocale& operator=(const CKeptLocale&) = delete;
+
+private:
+    std::string m_strLocale;
+};
 
 std::string WhyNoDisplay() {
     const char* const display = getenv("DISPLAY");
@@ -39,8 +51,7 @@ std::string WhyNoGtk() {
     if (IsLaterGtkLoaded()) return "a later GTK is in this process, and both cannot be";
     const std::string reason = DelayLoad_gtk2();
     if (!reason.empty()) return reason;
-    // The locale is the host's and the manager's. GTK takes this before it is initialised and complains afterwards.
-    if (!IsGtkInitialised()) gtk_disable_setlocale();
+    const CKeptLocale locale;
     return gtk_init_check(nullptr, nullptr) != FALSE ? std::string() : WhyNoDisplay();
 }
 

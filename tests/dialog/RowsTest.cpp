@@ -131,7 +131,7 @@ TEST_F(Rows, AreASnapshot) {
     EXPECT_EQ(Page(0).Rows(), 1);
 }
 
-TEST_F(Rows, BehindAComponentThatThrowsAreMissing) {
+TEST_F(Rows, OfOthersAreThereBesideAComponentThatThrows) {
     class CThrowing : public CDialogComponent {
     public:
         CThrowing() : CDialogComponent("throwing", ACT_DECODER) {}
@@ -147,7 +147,9 @@ TEST_F(Rows, BehindAComponentThatThrowsAreMissing) {
     throwing.m_bThrows = true;
     Add("behind", ACT_DECODER);
     ASSERT_NE(Build(), nullptr);
-    EXPECT_EQ(Page(0).Rows(), 1);
+    ASSERT_EQ(Page(0).Rows(), 2);
+    EXPECT_EQ(Page(0).Text(0, kName), "before");
+    EXPECT_EQ(Page(0).Text(1, kName), "behind");
     EXPECT_EQ(throwing.m_nReferences, 1U);
 }
 
