@@ -1,0 +1,77 @@
+// Where the pages of an Ogg file end, on pages made by hand.
+#include <fcntl.h>
+
+#include "plugins/sndfile/FileDescriptor.h"
+#include "plugins/sndfile/OggPages.h"
+#include "tests/plugins/sndfile/AudioFiles.h"
+#include "tests/support/ScratchDirectory.h"
+
+namespace {
+
+// A page of one packet, or of a piece of one that goes on in the next page.
+std::string Page(std::size_t bytes, bool endOfStream, bool goesOn = false) {
+    std::string lacing(goesOn ? bytes / 255 : bytes / 255 + 1, '\xFF');
+    if (!goesOn) lacing.back() = static_cast<char>(bytes % 255);
+    const std::string header = std::string("OggS\0", 5) + (endOfStream ? '\x04' : '\x00') + std::string(20, '\x01') +
+                               static_cast<char>(lacing.size());
+    return header + lacing + std::string(bytes, '\x5A');
+}
+
+SOggEnd EndOf(const std::string& content) {
+    const CScratchDirectory scratch;
+    const CFileDescriptor descriptor(open(scratch.Write("x.ogg", content).c_str(), O_RDONLY | O_CLOEXEC));
+    CFileBytes file(descriptor.Get());
+    return FindOggEnd(file);
+}
+
+}  // namespace
+
+TEST(SndfileOggPages, EndInsideAPageOrAPacketOnlyWithoutTheEndOfTheStream) {
+    const std::string body = Page(4000, false) + Page(700, false);
+    const std::string last = Page(300, true);
+    struct SRow {
+        std::string m_strContent;
+        std::size_t m_nEnd;
+        bool m_bCutShort;
+    };
+    const SRow rows[] = {{body + last, body.size() + last.size(), false},
+                         {body, body.size(), false},
+                         {body + last.substr(0, 2), body.size(), true},
+                         {body + last.substr(0, 27), body.size(), true},
+                         {body + last.substr(0, 28), body.size(), true},
+                         {body + last.substr(0, last.size() - 1), body.size(), true},
+                         {body + Page(510, false, true), body.size() + 27 + 2 + 510, true},
+                         {body + Page(510, true, true), body.size() + 27 + 2 + 510, false},
+                         {body + last + "TAG", body.size() + last.size(), false},
+                         {body + last + last.substr(0, 100), body.size() + last.size(), true},
+                         {body + "between" + last, body.size() + 7 + last.size(), false},
+                         {last.substr(0, 100), 0, true},
+                         {"", 0, false}};
+    for (const SRow& row : rows) {
+        const SOggEnd end = EndOf(row.m_strContent);
+        EXPECT_EQ(end.m_nAt, row.m_nEnd) << &row - rows;
+        EXPECT_EQ(end.m_bCutShort, row.m_bCutShort) << &row - rows;
+    }
+}
+
+TEST(SndfileOggPages, AreFoundAtTheEndOfALongFile) {
+    std::string body;
+    while (body.size() < 400000) body += Page(64000, false);
+    const std::string last = Page(64000, true);
+    EXPECT_EQ(EndOf(body + last).m_nAt, body.size() + last.size());
+    EXPECT_FALSE(EndOf(body + last).m_bCutShort);
+    EXPECT_EQ(EndOf(body + last.substr(0, 40000)).m_nAt, body.size());
+    EXPECT_TRUE(EndOf(body + last.substr(0, 40000)).m_bCutShort);
+}
+
+// A packet may hold the four letters that a page begins with.
+TEST(SndfileOggPages, AreNotTakenFromInsideAPacket) {
+    std::string body;
+    while (body.size() < 400000) {
+        std::string page = Page(64000, false);
+        body += page.replace(30000, 4, "OggS");
+    }
+    const std::string last = Page(100, true);
+    EXPECT_EQ(EndOf(body + last).m_nAt, body.size() + last.size());
+    EXPECT_FALSE(EndOf(body + last).m_bCutShort);
+}
