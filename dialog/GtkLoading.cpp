@@ -5,7 +5,6 @@
 #include <gtk/gtk.h>
 #include <stdlib.h>
 
-#include <clocale>
 #include <cstdio>
 #include <string>
 
@@ -26,19 +25,16 @@ bool IsLaterGtkLoaded() {
            IsLoaded("libgtk-4.so.1");
 }
 
-// The locale is the host's and the manager's; GTK sets it from the environment when it is initialised, and asking it
-// not to brings a warning where the host has initialised it already.
-class CKeptLocale {
-public:
-    CKeptLocale() : m_strLocale(std::setlocale(LC_ALL, nullptr)) {}
-    ~CKeptLocale() { std::setlocale(LC_ALL, m_strLocale.c_str()); }
+void Ignore(const gchar* /*domain*/, GLogLevelFlags /*level*/, const gchar* /*message*/, gpointer /*data*/) {}
 
-    CKeptLocale(const CKeptLocale&) = delete;
-    CKeptLocale& operator=(const CKeptLocale&) = delete;
-
-private:
-    std::string m_strLocale;
-};
+// The locale is the host's and the manager's; GTK would set it from the environment when it is initialised. It must be
+// told before. That a host has initialised it already, without a display, cannot be asked and is no reason to complain.
+void KeepLocale() {
+    if (gdk_display_get_default() != nullptr) return;
+    const guint handler = g_log_set_handler("Gtk", G_LOG_LEVEL_WARNING, Ignore, nullptr);
+    gtk_disable_setlocale();
+    g_log_remove_handler("Gtk", handler);
+}
 
 std::string WhyNoDisplay() {
     const char* const display = getenv("DISPLAY");
@@ -51,7 +47,7 @@ std::string WhyNoGtk() {
     if (IsLaterGtkLoaded()) return "a later GTK is in this process, and both cannot be";
     const std::string reason = DelayLoad_gtk2();
     if (!reason.empty()) return reason;
-    const CKeptLocale locale;
+    KeepLocale();
     return gtk_init_check(nullptr, nullptr) != FALSE ? std::string() : WhyNoDisplay();
 }
 
