@@ -140,6 +140,44 @@ TEST_F(Building, PutsAnIconBeforeTheName) {
     EXPECT_EQ(Renderer(Column(0, 1), 1), nullptr);
 }
 
+// Packing has no getter; a renderer that expands gets a share of what the column has to spare.
+TEST_F(Building, GivesSpareWidthToTheTextAndNotToTheIcon) {
+    Add("Decoder", ACT_DECODER);
+    Destroy();
+    Build();
+    gtk_widget_show(m_pDialog);
+    while (gtk_events_pending() != FALSE) gtk_main_iteration();
+    GtkTreeViewColumn* const column = Column(0, 0);
+    GtkTreeIter row;
+    gtk_tree_model_get_iter_first(Page(0).Model(), &row);
+    gtk_tree_view_column_cell_set_cell_data(column, Page(0).Model(), &row, FALSE, FALSE);
+    int begin[2] = {};
+    int width[2] = {};
+    for (const guint number : {0U, 1U}) {
+        ASSERT_TRUE(
+            gtk_tree_view_column_cell_get_position(column, Renderer(column, number), &begin[number], &width[number]));
+    }
+    EXPECT_EQ(begin[0], 0) << "the icon is packed first";
+    EXPECT_LT(width[0], 40);
+    EXPECT_GT(width[1], gtk_tree_view_column_get_width(column) - 60);
+}
+
+TEST_F(Building, LetsTheIconComeFromTheFirstColumn) {
+    Add("Decoder", ACT_DECODER);
+    Destroy();
+    Build();
+    GtkTreeIter row;
+    gtk_tree_model_get_iter_first(Page(0).Model(), &row);
+    GdkPixbuf* const icon = gdk_pixbuf_new(GDK_COLORSPACE_RGB, FALSE, 8, 16, 16);
+    gtk_list_store_set(GTK_LIST_STORE(Page(0).Model()), &row, 0, icon, -1);
+    gtk_tree_view_column_cell_set_cell_data(Column(0, 0), Page(0).Model(), &row, FALSE, FALSE);
+    GdkPixbuf* shown = nullptr;
+    g_object_get(Renderer(Column(0, 0), 0), "pixbuf", &shown, nullptr);
+    EXPECT_EQ(shown, icon);
+    g_object_unref(shown);
+    g_object_unref(icon);
+}
+
 TEST_F(Building, LetsEachColumnReadItsOwnValue) {
     Add("Decoder", ACT_DECODER, "file.so").m_bOffersAbout = true;
     Destroy();
@@ -182,21 +220,19 @@ TEST_F(Building, EndsWithACloseButton) {
 }
 
 TEST_F(Building, WidensEveryButtonByFiftyPixels) {
-    GtkWidget* const window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
-    GtkWidget* const box = gtk_hbox_new(FALSE, 0);
-    gtk_container_add(GTK_CONTAINER(window), box);
-    for (GtkWidget* const button : {Page(0).m_pConfigure, Page(1).m_pAbout}) {
-        GtkWidget* const plain = gtk_button_new_with_mnemonic(gtk_button_get_label(GTK_BUTTON(button)));
-        gtk_box_pack_start(GTK_BOX(box), plain, FALSE, FALSE, 0);
-        gtk_widget_show(plain);
-        GtkRequisition natural;
-        GtkRequisition widened;
-        gtk_widget_size_request(plain, &natural);
-        gtk_widget_size_request(button, &widened);
-        EXPECT_EQ(widened.width, natural.width + 50);
-        EXPECT_EQ(widened.height, natural.height);
+    std::vector<GtkWidget*> buttons = {CloseButton()};
+    for (int page = 0; page < kPages; ++page) {
+        buttons.push_back(Page(page).m_pConfigure);
+        buttons.push_back(Page(page).m_pAbout);
     }
-    gtk_widget_destroy(window);
+    for (GtkWidget* const button : buttons) {
+        GtkRequisition natural{};
+        GTK_WIDGET_GET_CLASS(button)->size_request(button, &natural);
+        GtkRequisition widened{};
+        gtk_widget_size_request(button, &widened);
+        EXPECT_EQ(widened.width, natural.width + 50) << gtk_button_get_label(GTK_BUTTON(button));
+        EXPECT_EQ(widened.height, natural.height) << gtk_button_get_label(GTK_BUTTON(button));
+    }
 }
 
 TEST_F(Building, LeavesThreeEmptyPagesWithoutComponents) {

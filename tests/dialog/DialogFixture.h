@@ -121,6 +121,21 @@ struct SPageUnderTest {
     bool CanAbout() const { return gtk_widget_get_sensitive(m_pAbout) != FALSE; }
 };
 
+inline GtkWidget* NotebookOf(GtkWidget* dialog) {
+    return Child<GtkWidget>(gtk_dialog_get_content_area(GTK_DIALOG(dialog)), 0);
+}
+
+inline SPageUnderTest PageOf(GtkWidget* dialog, int number) {
+    SPageUnderTest page{};
+    page.m_pBox = gtk_notebook_get_nth_page(GTK_NOTEBOOK(NotebookOf(dialog)), number);
+    page.m_pScroller = Child<GtkWidget>(page.m_pBox, 0);
+    page.m_pButtonBox = Child<GtkWidget>(page.m_pBox, 1);
+    page.m_pView = GTK_TREE_VIEW(gtk_bin_get_child(GTK_BIN(page.m_pScroller)));
+    page.m_pConfigure = Child<GtkWidget>(page.m_pButtonBox, 0);
+    page.m_pAbout = Child<GtkWidget>(page.m_pButtonBox, 1);
+    return page;
+}
+
 // The manager with components of the test's own; the dialog is built on demand.
 class DialogTest : public testing::Test {
 protected:
@@ -148,18 +163,8 @@ protected:
         if (m_pDialog != nullptr) gtk_widget_destroy(m_pDialog);
     }
 
-    GtkWidget* Notebook() const { return Child<GtkWidget>(gtk_dialog_get_content_area(GTK_DIALOG(m_pDialog)), 0); }
-
-    SPageUnderTest Page(int number) const {
-        SPageUnderTest page{};
-        page.m_pBox = gtk_notebook_get_nth_page(GTK_NOTEBOOK(Notebook()), number);
-        page.m_pScroller = Child<GtkWidget>(page.m_pBox, 0);
-        page.m_pButtonBox = Child<GtkWidget>(page.m_pBox, 1);
-        page.m_pView = GTK_TREE_VIEW(gtk_bin_get_child(GTK_BIN(page.m_pScroller)));
-        page.m_pConfigure = Child<GtkWidget>(page.m_pButtonBox, 0);
-        page.m_pAbout = Child<GtkWidget>(page.m_pButtonBox, 1);
-        return page;
-    }
+    GtkWidget* Notebook() const { return NotebookOf(m_pDialog); }
+    SPageUnderTest Page(int number) const { return PageOf(m_pDialog, number); }
 
     GtkWidget* CloseButton() const { return Child<GtkWidget>(gtk_dialog_get_action_area(GTK_DIALOG(m_pDialog)), 0); }
 

@@ -8,7 +8,7 @@
 namespace support {
 
 // Owned by its test; every operation but GetConvertor refuses. [stream-thread]
-class CFakeManager final : public IAudioPluginMgr {
+class CFakeManager : public IAudioPluginMgr {
 public:
     unsigned int AddRef() override { return m_references.Increment(); }
     unsigned int Release() override { return m_references.Decrement(); }
