@@ -24,6 +24,7 @@
 class CDialogComponent : public IAudioComponent, public IConfigurable, public IComponentAbout {
 public:
     CDialogComponent(const char* name, EAudioComponentType type) : m_pName(name), m_eType(type) {}
+    virtual ~CDialogComponent() = default;
 
     unsigned int AddRef() override { return ++m_nReferences; }
     unsigned int Release() override { return --m_nReferences; }
