@@ -64,12 +64,12 @@ TEST(SndfileOggPages, AreFoundAtTheEndOfALongFile) {
     EXPECT_TRUE(EndOf(body + last.substr(0, 40000)).m_bCutShort);
 }
 
-// A packet may hold the four letters that a page begins with.
+// A packet may hold what looks like the beginning of a page.
 TEST(SndfileOggPages, AreNotTakenFromInsideAPacket) {
     std::string body;
     while (body.size() < 400000) {
         std::string page = Page(64000, false);
-        body += page.replace(30000, 4, "OggS");
+        body += page.replace(30000, 5, std::string("OggS\0", 5));
     }
     const std::string last = Page(100, true);
     EXPECT_EQ(EndOf(body + last).m_nAt, body.size() + last.size());
