@@ -1,5 +1,24 @@
 // The widgets of the settings dialog, step by step.
+#include <dlfcn.h>
+
 #include "tests/dialog/DialogFixture.h"
+
+namespace {
+
+// What the dialog said of its separator; the toolkit has none by default, so that only the call can be seen.
+std::vector<gboolean>& SeparatorCalls() {
+    static std::vector<gboolean> calls;
+    return calls;
+}
+
+}  // namespace
+
+extern "C" __attribute__((visibility("default"))) void gtk_dialog_set_has_separator(GtkDialog* dialog,
+                                                                                    gboolean setting) {
+    SeparatorCalls().push_back(setting);
+    using CSet = void(GtkDialog*, gboolean);
+    reinterpret_cast<CSet*>(dlsym(RTLD_NEXT, "gtk_dialog_set_has_separator"))(dialog, setting);
+}
 
 namespace {
 
@@ -46,6 +65,7 @@ constexpr int kPages = 3;
 TEST_F(Building, MakesADialogWithoutSeparator) {
     ASSERT_TRUE(GTK_IS_DIALOG(m_pDialog));
     EXPECT_FALSE(gtk_dialog_get_has_separator(GTK_DIALOG(m_pDialog)));
+    EXPECT_EQ(SeparatorCalls(), std::vector<gboolean>{FALSE});
     EXPECT_FALSE(gtk_widget_get_visible(m_pDialog)) << "the caller shows it";
 }
 
