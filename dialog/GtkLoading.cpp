@@ -45,7 +45,7 @@ std::string WhyNoDisplay() {
 // Empty when GTK 2 can be used.
 std::string WhyNoGtk() {
     if (IsLaterGtkLoaded()) return "a later GTK is in this process, and both cannot be";
-    const std::string reason = DelayLoad_gtk2();
+    std::string reason = DelayLoad_gtk2();
     if (!reason.empty()) return reason;
     KeepLocale();
     return gtk_init_check(nullptr, nullptr) != FALSE ? std::string() : WhyNoDisplay();
