@@ -1,5 +1,4 @@
-// Discovery, loading and unloading of plug-ins, with real shared objects.
-#include <dlfcn.h>
+// Discovery and loading of plug-ins, with real shared objects.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -7,62 +6,10 @@
 #include <thread>
 
 #include "com/InterfaceIds.h"
-#include "portable/DirEntry.h"
-#include "portable/PortableFile.h"
-#include "stream/LiveAggregators.h"
-#include "tests/pluginmgr/Manager.h"
-#include "tests/pluginmgr/PluginDirectory.h"
+#include "tests/pluginmgr/LoadedManager.h"
 #include "tests/support/ExpectedLeaks.h"
 
 namespace {
-
-using Lines = std::vector<std::string>;
-
-// Loads from `plugins` for the length of a test.
-class CLoadedManager {
-public:
-    explicit CLoadedManager(const CPluginDirectory& plugins) : m_manager(ObtainManager()) {
-        m_manager->SetPluginDirectory(plugins.Path().c_str());
-        EXPECT_TRUE(m_manager->LoadPlugins());
-    }
-    ~CLoadedManager() { m_manager->UnloadPlugins(); }
-
-    CAudioPluginMgr* operator->() const { return m_manager.Get(); }
-    CAudioPluginMgr& operator*() const { return *m_manager; }
-
-private:
-    CComPtr<CAudioPluginMgr> m_manager;
-};
-
-// A factory that the host owns.
-class CHostFactory : public IConvertorFactory {
-public:
-    unsigned int AddRef() override { return static_cast<unsigned int>(++m_nReferences); }
-    unsigned int Release() override { return static_cast<unsigned int>(--m_nReferences); }
-    int QueryInterface(unsigned long, void** face) override {
-        *face = nullptr;
-        return kInterfaceMissing;
-    }
-    void ReservedFirst() override {}
-    bool CreateConvertor(const SWavFormat*, const SWavFormat*, IAudioConvertor**, IStatus**) override { return false; }
-
-    int m_nReferences = 0;
-};
-
-bool IsMapped(const std::string& path) {
-    std::ifstream maps("/proc/self/maps");
-    const std::string text((std::istreambuf_iterator<char>(maps)), {});
-    return text.find(path) != std::string::npos;
-}
-
-bool IsCreationLockFree() {
-    int locked = 0;
-    std::thread([&] {
-        locked = m_sectPMCreation.Lock(0);
-        if (locked != 0) m_sectPMCreation.Unlock();
-    }).join();
-    return locked != 0;
-}
 
 TEST(LoadPlugins, RegistersInitialisesTerminatesAndUnloads) {
     const CPluginDirectory plugins({"decoder"});
@@ -374,23 +321,6 @@ TEST(LoadPlugins, KeepsTheHostsFactoryBeforeAnyConvertorPlugin) {
     EXPECT_TRUE(manager->UnloadPlugins());
 }
 
-TEST(UnloadPlugins, ReleasesTheHostsFactoryAtTheLastUnload) {
-    const CPluginDirectory plugins({});
-    CHostFactory own;
-    const auto manager = ObtainManager();
-    manager->SetConvertor(&own, nullptr);
-    manager->SetPluginDirectory(plugins.Path().c_str());
-    manager->LoadPlugins();
-    manager->LoadPlugins();
-    EXPECT_TRUE(manager->UnloadPlugins());
-    EXPECT_EQ(own.m_nReferences, 1);
-    EXPECT_TRUE(manager->UnloadPlugins());
-    EXPECT_EQ(own.m_nReferences, 0);
-    IConvertorFactory* factory = &own;
-    EXPECT_TRUE(manager->GetConvertor(&factory));
-    EXPECT_EQ(factory, nullptr);
-}
-
 TEST(LoadPlugins, AsksOnlyTheFirstURLHandlerForItsService) {
     const CPluginDirectory plugins({});
     plugins.Add("url_handler", "a.so");
@@ -398,129 +328,6 @@ TEST(LoadPlugins, AsksOnlyTheFirstURLHandlerForItsService) {
     const CLoadedManager manager(plugins);
     const Lines log = plugins.Log();
     EXPECT_EQ(std::count(log.begin(), log.end(), "url handler asked for its handler"), 1);
-}
-
-TEST(CanUnloadPlugins, IsFalseWithNothingLoaded) {
-    const auto manager = ObtainManager();
-    EXPECT_FALSE(manager->CanUnloadPlugins());
-    EXPECT_FALSE(manager->UnloadPlugins());
-}
-
-TEST(CanUnloadPlugins, AsksNoPluginWhileAnAggregatorIsAlive) {
-    const CPluginDirectory plugins({"decoder"});
-    const CLoadedManager manager(plugins);
-    plugins.ClearLog();
-    pthread_mutex_lock(&g_AggregatorsMutex);
-    ++g_lAggregators;
-    pthread_mutex_unlock(&g_AggregatorsMutex);
-    EXPECT_FALSE(manager->CanUnloadPlugins());
-    EXPECT_FALSE(manager->UnloadPlugins());
-    EXPECT_TRUE(plugins.Log().empty());
-    EXPECT_EQ(manager->GetCount(), 1);
-    pthread_mutex_lock(&g_AggregatorsMutex);
-    --g_lAggregators;
-    pthread_mutex_unlock(&g_AggregatorsMutex);
-    EXPECT_TRUE(manager->CanUnloadPlugins());
-    EXPECT_EQ(plugins.Log(), Lines{"decoder asked"});
-}
-
-TEST(CanUnloadPlugins, IsFalseWhileAPluginIsNotReady) {
-    const CPluginDirectory plugins({"not_ready"});
-    const std::string busy = plugins.Path() + "/busy";
-    setenv("KELO_FIXTURE_BUSY", busy.c_str(), 1);
-    const CLoadedManager manager(plugins);
-    std::ofstream(busy) << "x";
-    EXPECT_FALSE(manager->CanUnloadPlugins());
-    EXPECT_FALSE(manager->UnloadPlugins());
-    EXPECT_FALSE(manager->SetPluginDirectory("/elsewhere"));
-    std::filesystem::remove(busy);
-    EXPECT_TRUE(manager->CanUnloadPlugins());
-}
-
-TEST(CanUnloadPlugins, AnIntOfAPluginCountsAsNotReady) {
-    const CPluginDirectory plugins({"ready_throws_int"});
-    const CExpectedLeaks leaks;  // the library never gets unloaded
-    const CLoadedManager manager(plugins);
-    EXPECT_FALSE(manager->CanUnloadPlugins());
-    EXPECT_TRUE(IsCreationLockFree());
-}
-
-TEST(CanUnloadPlugins, StopsAtTheFirstPluginThatIsNotReady) {
-    const CPluginDirectory plugins({});
-    const CExpectedLeaks leaks;  // the libraries never get unloaded
-    for (const char* const name : {"a.so", "b.so", "c.so", "d.so"}) plugins.Add("decoder", name);
-    plugins.Add("ready_throws_int", "e.so");
-    const CLoadedManager manager(plugins);
-    plugins.ClearLog();
-    EXPECT_FALSE(manager->CanUnloadPlugins());
-    const std::size_t asked = plugins.Log().size();
-    // The order is that of the directory: what stands behind the plug-in that is not ready is never asked.
-    std::size_t before = 0;
-    const std::unique_ptr<CDirEntry> search(CPortableFile::FindFirst((plugins.Path() + "/*.so").c_str(), 0, 0, 0, 2));
-    for (; std::filesystem::path(search->GetFile().GetName()).filename() != "e.so"; search->Next()) ++before;
-    EXPECT_EQ(asked, before);
-}
-
-TEST(CanUnloadPlugins, AnotherExceptionPassesAndTheReferencesAreTakenBack) {
-    const CPluginDirectory plugins({"convertor", "ready_throws_exception"});
-    const CExpectedLeaks leaks;  // the libraries never get unloaded
-    const auto manager = ObtainManager();
-    manager->SetPluginDirectory(plugins.Path().c_str());
-    manager->LoadPlugins();
-    EXPECT_THROW(manager->CanUnloadPlugins(), std::runtime_error);
-    IConvertorFactory* factory = nullptr;
-    manager->GetConvertor(&factory);
-    EXPECT_NE(factory, nullptr);
-    EXPECT_TRUE(IsCreationLockFree());
-}
-
-TEST(CanUnloadPlugins, GivesUpItsOwnReferencesWhilePluginsAreAskedAndTakesThemBack) {
-    const CPluginDirectory plugins({"convertor"});
-    const CLoadedManager manager(plugins);
-    plugins.ClearLog();
-    EXPECT_TRUE(manager->CanUnloadPlugins());
-    EXPECT_EQ(plugins.Log(), (Lines{"convertor count 1", "convertor asked", "convertor count 2"}));
-    IConvertorFactory* factory = nullptr;
-    manager->GetConvertor(&factory);
-    EXPECT_NE(factory, nullptr);
-}
-
-TEST(CanUnloadPlugins, GivesUpTheURLHandlerAsWell) {
-    const CPluginDirectory plugins({"url_handler"});
-    const CLoadedManager manager(plugins);
-    plugins.ClearLog();
-    EXPECT_TRUE(manager->CanUnloadPlugins());
-    EXPECT_EQ(plugins.Log(), (Lines{"url handler count 1", "url handler count 2"}));
-}
-
-TEST(UnloadPlugins, ReleasesTheFactoryBeforeItTerminatesTheComponents) {
-    const CPluginDirectory plugins({"convertor"});
-    const auto manager = ObtainManager();
-    manager->SetPluginDirectory(plugins.Path().c_str());
-    manager->LoadPlugins();
-    plugins.ClearLog();
-    EXPECT_TRUE(manager->UnloadPlugins());
-    EXPECT_EQ(plugins.Log(), (Lines{"convertor count 1", "convertor asked", "convertor count 2", "convertor count 1",
-                                    "convertor terminated", "convertor released", "convertor count 0"}));
-}
-
-TEST(UnloadPlugins, LeavesTheCreationLockFree) {
-    const CPluginDirectory plugins({"decoder"});
-    { const CLoadedManager manager(plugins); }
-    EXPECT_TRUE(IsCreationLockFree());
-}
-
-TEST(DestroyedManager, LeavesPluginsLoaded) {
-    const CPluginDirectory plugins({"decoder"});
-    {
-        const CExpectedLeaks leaks;  // the library objects stay behind
-        const auto manager = ObtainManager();
-        manager->SetPluginDirectory(plugins.Path().c_str());
-        manager->LoadPlugins();
-        plugins.ClearLog();
-    }
-    EXPECT_TRUE(plugins.Log().empty());
-    EXPECT_TRUE(IsMapped(plugins.File("decoder.so")));
 }
 
 }  // namespace
