@@ -5,7 +5,9 @@
 #include <sys/inotify.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <set>
+#include <thread>
 
 #include "tests/host/KeloAudio.h"
 #include "tests/support/VirtualDisplay.h"
@@ -59,12 +61,16 @@ protected:
         return options;
     }
 
-    // The shown window with this title.
+    // The shown window with this title. A search fails when a window goes away under it, so it is asked again.
     static std::string WindowNamed(const std::string& title) {
-        const SRunResult found =
-            RunProgram({"timeout", "30", "xdotool", "search", "--sync", "--onlyvisible", "--name", "^" + title + "$"});
-        EXPECT_EQ(found.m_nExit, 0) << "no window \"" << title << "\"";
-        return found.m_strOut.substr(0, found.m_strOut.find('\n'));
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+        while (std::chrono::steady_clock::now() < end) {
+            const SRunResult found = RunProgram({"xdotool", "search", "--onlyvisible", "--name", "^" + title + "$"});
+            if (found.m_nExit == 0) return found.m_strOut.substr(0, found.m_strOut.find('\n'));
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+        ADD_FAILURE() << "no window \"" << title << "\"";
+        return "";
     }
 
     // No window manager gives a window the focus. The window may be gone before the key is released: what the tool says
@@ -117,8 +123,8 @@ TEST_F(Settings, EscapeIsNoAcceptanceAndNoFailureToSpeakOf) {
 }
 
 TEST_F(Settings, SignalsEndTheDialog) {
-    const CVirtualDisplay display;
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        const CVirtualDisplay display;
         CRunningProgram program(Command());
         WindowNamed(kTitle);
         program.Signal(signal);

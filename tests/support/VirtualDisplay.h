@@ -41,8 +41,9 @@ private:
         prctl(PR_SET_PDEATHSIG, SIGTERM);
         close(unused);
         const std::string number = std::to_string(descriptor);
-        execlp("Xvfb", "Xvfb", "-displayfd", number.c_str(), "-screen", "0", "1024x768x24", "-nolisten", "tcp",
-               static_cast<char*>(nullptr));
+        // A server that begins anew when its last client leaves turns away those who come meanwhile.
+        execlp("Xvfb", "Xvfb", "-displayfd", number.c_str(), "-screen", "0", "1024x768x24", "-noreset", "-nolisten",
+               "tcp", static_cast<char*>(nullptr));
         _exit(127);
     }
 
