@@ -1,4 +1,4 @@
-// How well sample rates are converted: a choice of the process.
+// How well sample rates are converted: a choice for as long as the plug-in is loaded.
 #pragma once
 
 enum class EResamplingQuality { Quick, High, VeryHigh };
@@ -6,5 +6,5 @@ enum class EResamplingQuality { Quick, High, VeryHigh };
 // What convertors made from here on use; High until somebody chooses. [any thread]
 EResamplingQuality GetResamplingQuality();
 
-// Lasts as long as the process, unloaded plug-ins or not. [any thread]
+// Forgotten when the plug-in is unloaded. [any thread]
 void SetResamplingQuality(EResamplingQuality quality);

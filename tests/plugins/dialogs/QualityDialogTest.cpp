@@ -1,6 +1,9 @@
 // The convertor's settings: the resampling quality.
 #include <algorithm>
 #include <cmath>
+#include <fstream>
+#include <iterator>
+#include <string>
 
 #include "stream/Convertor.h"
 #include "tests/plugins/LoadedPlugins.h"
@@ -164,12 +167,16 @@ TEST(QualityDialog, ChoiceTakesEffectOnLaterConvertorsOnly) {
     EXPECT_GT(*std::max_element(veryHigh.begin() + 9600, veryHigh.end() - 9600), 990000000);
 }
 
-TEST(QualityDialog, ChoiceOutlivesUnloadingThePlugin) {
+TEST(QualityDialog, ChoiceIsForgottenWithThePluginWhichReallyUnloads) {
     const CGtkSession gtk;
     {
         const CLoadedPlugins plugins;
         EXPECT_TRUE(Choose(plugins, kQuick));
+        EXPECT_EQ(ShownQuality(plugins), kQuick);
     }
+    std::ifstream maps("/proc/self/maps");
+    const std::string text((std::istreambuf_iterator<char>(maps)), {});
+    EXPECT_EQ(text.find("/soxr.so"), std::string::npos);
     const CLoadedPlugins plugins;
-    EXPECT_EQ(ShownQuality(plugins), kQuick);
+    EXPECT_EQ(ShownQuality(plugins), kHigh);
 }
