@@ -144,7 +144,6 @@ TEST(CreationLock, IsRecursive) {
     EXPECT_EQ(m_sectPMCreation.Lock(0), 1);
     EXPECT_EQ(m_sectPMCreation.Unlock(), 1);
     EXPECT_EQ(m_sectPMCreation.Unlock(), 1);
-    EXPECT_EQ(m_sectPMCreation.Unlock(), 0);
 }
 
 struct SFaceCase {

@@ -8,7 +8,6 @@
 #include <unistd.h>
 
 #include <atomic>
-#include <csignal>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
@@ -73,7 +72,7 @@ private:
         }
     }
 
-    static volatile std::sig_atomic_t interrupted;
+    static std::atomic<int> interrupted;
 
     int m_nPipe;
     struct sigaction m_previous = {};
@@ -82,7 +81,7 @@ private:
     std::atomic<std::size_t> m_nWanted{SIZE_MAX};
 };
 
-volatile std::sig_atomic_t CInterruptingReader::interrupted = 0;
+std::atomic<int> CInterruptingReader::interrupted{0};
 
 }  // namespace
 
