@@ -32,6 +32,9 @@ constexpr unsigned long IID_IComponentOrderMgr = 65;
 
 // Numbers from 1000 up are interfaces between hosts and plug-ins; the library neither answers nor asks for them.
 constexpr unsigned long IID_IAudioTargetOpener = 1000;
+constexpr unsigned long IID_ITargetTags = 1001;
+constexpr unsigned long IID_INamedSettings = 1002;
+constexpr unsigned long IID_IClippingCount = 1003;
 
 // 1 when both identities are the same number, else 0. [any thread]
 KELO_EXPORT int IsEqualIID(unsigned long left, unsigned long right);

@@ -20,6 +20,10 @@ constexpr std::int64_t ByteRateOf(const SWavFormat& format) {
     return static_cast<std::int64_t>(format.nBitsPerSample / 8) * format.nSampleRate * format.nChannels;
 }
 
+// Format qualifiers.
+constexpr std::int32_t kIntegerSamples = 0;
+constexpr std::int32_t kFloatSamples = 1;  // IEEE 754 binary32, little-endian, full scale -1 to 1; 32 bits per sample
+
 // A format as streams hold it: the record followed by the format qualifier, 0 for an ordinary format.
 // A pointer to the record of a held format may be read as four words.
 struct SHeldWavFormat {
