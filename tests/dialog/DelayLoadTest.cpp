@@ -14,6 +14,8 @@
 std::string DelayLoad_whole();
 std::string DelayLoad_incomplete();
 std::string DelayLoad_absent();
+std::string DelayLoad_local();
+std::string DelayLoad_nowhere();
 
 namespace {
 
@@ -62,6 +64,21 @@ TEST(DelayLoad, PutsTheLibraryIntoTheGlobalScope) {
 TEST(DelayLoad, NamesALibraryThatIsMissing) {
     EXPECT_THAT(DelayLoad_absent(), testing::HasSubstr("libkelo_absent.so.0: cannot open shared object file"));
     EXPECT_THAT(DelayLoad_absent(), testing::HasSubstr("libkelo_absent.so.0: cannot open shared object file"));
+}
+
+TEST(DelayLoad, TakesTheFirstLibraryThatOpens) {
+    ASSERT_EQ(DelayLoad_local(), "");
+    EXPECT_EQ(DelayedLocal(6), 7);
+}
+
+TEST(DelayLoad, KeepsALocalLibraryOutOfTheGlobalScope) {
+    ASSERT_EQ(DelayLoad_local(), "");
+    EXPECT_TRUE(IsLoaded());
+    EXPECT_EQ(dlsym(RTLD_DEFAULT, "DelayedLocal"), nullptr);
+}
+
+TEST(DelayLoad, NamesTheFirstOfLibrariesThatAreAllMissing) {
+    EXPECT_THAT(DelayLoad_nowhere(), testing::HasSubstr("libkelo_absent.so.0: cannot open shared object file"));
 }
 
 TEST(DelayLoad, NamesAFunctionThatIsMissing) {
