@@ -18,7 +18,7 @@ std::string RefuseEmpty(const std::string& text) { return text.empty() ? "an emp
 
 void AddPluginOption(CLI::App& command, std::string& directory) {
     command
-        .add_option("--plugins", directory, "Plug-in directory; \"plugins\" beside the program's directory if left out")
+        .add_option("--plugins", directory, "Plug-in directory; if left out, the one installed or built with the program")
         ->type_name("DIR")
         ->check(RefuseEmpty);
 }
@@ -44,8 +44,7 @@ void AddConvertOptions(CLI::App& command, SConvertOptions& options) {
 void AddImagesOption(CLI::App& command, std::string& directory) {
     command
         .add_option("--images", directory,
-                    "Directory of the dialog's icons; \"share/keloaudiopluginmgr/images\" beside the program's "
-                    "directory if left out")
+                    "Directory of the dialog's icons; if left out, the one installed or built with the program")
         ->type_name("DIR")
         ->check(RefuseEmpty);
 }

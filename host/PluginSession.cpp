@@ -14,6 +14,7 @@
 #include "host/Failure.h"
 #include "host/FailureText.h"
 #include "host/PluginCall.h"
+#include "host/ProgramDirectory.h"
 #include "pluginmgr/GetAudioPluginMgr.h"
 #include "stream/FileOpener.h"
 
@@ -106,7 +107,7 @@ void CPluginSession::Unload() {
 }
 
 std::string DefaultPluginDirectory() {
-    return (std::filesystem::read_symlink("/proc/self/exe").parent_path().parent_path() / "plugins").string();
+    return ProgramDirectory(KELO_INSTALLED_PLUGINS, "../plugins");
 }
 
 std::string NameOf(IAudioComponent& component) {

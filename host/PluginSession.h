@@ -40,7 +40,7 @@ private:
     CComPtr<IAudioPluginMgr> m_pManager;
 };
 
-// `plugins` beside the directory of the running program.
+// The plug-in directory that was installed or built with the running program.
 std::string DefaultPluginDirectory();
 
 // The component's name; "(no name)" when it tells none.

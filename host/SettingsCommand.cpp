@@ -1,12 +1,11 @@
 // keloaudio settings.
 #include "host/SettingsCommand.h"
 
-#include <filesystem>
-
 #include "com/Configurable.h"
 #include "com/InterfaceIds.h"
 #include "host/PluginCall.h"
 #include "host/PluginSession.h"
+#include "host/ProgramDirectory.h"
 #include "host/StopSignal.h"
 
 bool RunSettings(const std::string& pluginDirectory, const std::string& imagesDirectory) {
@@ -20,6 +19,5 @@ bool RunSettings(const std::string& pluginDirectory, const std::string& imagesDi
 }
 
 std::string DefaultImagesDirectory() {
-    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe");
-    return (program.parent_path().parent_path() / "share/keloaudiopluginmgr/images").string();
+    return ProgramDirectory(KELO_INSTALLED_IMAGES, "../share/keloaudiopluginmgr/images");
 }

@@ -7,5 +7,5 @@
 // library says why on standard error.
 bool RunSettings(const std::string& pluginDirectory, const std::string& imagesDirectory);
 
-// `share/keloaudiopluginmgr/images` beside the directory of the running program.
+// The directory of icons that was installed or built with the running program.
 std::string DefaultImagesDirectory();
