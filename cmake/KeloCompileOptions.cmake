@@ -28,10 +28,10 @@ function(kelo_sources)
   target_sources(KeloAudioPluginMgr PRIVATE ${ARGN})
 endfunction()
 
-# A plug-in of this project: a module without the "lib" prefix that sees the library's public headers.
+# A plug-in of this project: a module without the "lib" prefix that sees the library's public headers and the SDK.
 function(kelo_plugin target)
   add_library(${target} MODULE ${ARGN})
   kelo_compile_options(${target})
   set_target_properties(${target} PROPERTIES PREFIX "")
-  target_link_libraries(${target} PRIVATE KeloAudioPluginMgr)
+  target_link_libraries(${target} PRIVATE KeloAudioPluginSdk)
 endfunction()

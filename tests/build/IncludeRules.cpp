@@ -13,7 +13,8 @@ namespace fs = std::filesystem;
 
 // From the ground up.
 const std::vector<std::string> kLayers = {"portable", "com", "stream", "pluginmgr", "dialog"};
-const std::vector<std::string> kClients = {"host", "plugins", "examples"};
+const std::vector<std::string> kClients = {"sdk", "host", "plugins", "examples"};
+const std::string kSdk = "sdk";
 const std::string kSharedByPlugins = "plugins/shared";
 const std::set<std::string> kManagerForClients = {"pluginmgr/AudioPluginMgr.h", "pluginmgr/GetAudioPluginMgr.h"};
 
@@ -51,7 +52,7 @@ bool NamesAFileFromTheRoot(const fs::path& root, const std::string& path) {
 // Each plug-in and each example stands alone, but for what all plug-ins share; the host is one program.
 std::string ClientOf(const std::string& path) {
     const std::string folder = FolderOf(path);
-    if (folder == "host") return folder;
+    if (folder == "host" || folder == kSdk) return folder;
     return path.substr(0, path.find('/', folder.size() + 1));
 }
 
@@ -83,7 +84,8 @@ std::optional<std::string> ClientComplaint(const std::string& file, const SInclu
     if (!Contains(kLayers, folder)) {
         const std::string client = ClientOf(include.m_strPath);
         const bool shared = client == kSharedByPlugins && FolderOf(file) == "plugins";
-        if (shared || client == ClientOf(file)) return std::nullopt;
+        const bool bases = client == kSdk && FolderOf(file) != "host";
+        if (shared || bases || client == ClientOf(file)) return std::nullopt;
         return Complaint(file, include, "neither its own nor the library's");
     }
     if (publicHeaders.count(include.m_strPath) == 0) return Complaint(file, include, "not a public header");

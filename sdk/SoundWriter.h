@@ -1,0 +1,58 @@
+// Files that are written: what the author of an encoder writes.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "sdk/Settings.h"
+#include "sdk/Sound.h"
+
+// What a host has said about one output.
+struct STargetRequest {
+    std::string m_strPath;       // may be a temporary name
+    std::string m_strExtension;  // one of the component's own, as it lists it: it chooses the file format
+    STags m_tags;
+    CSettings m_settings;
+};
+
+// One file from its creation to its end. Every operation may throw: what() is the reason that a person reads, without
+// the file's name. The destructor completes and closes a file that Finish has not. [stream-thread]
+class CSoundWriter {
+public:
+    CSoundWriter() = default;
+    virtual ~CSoundWriter() = default;
+
+    CSoundWriter(const CSoundWriter&) = delete;
+    CSoundWriter& operator=(const CSoundWriter&) = delete;
+
+    // Takes `frames` (at least 1) sample frames.
+    virtual void Write(const unsigned char* data, std::int64_t frames) = 0;
+
+    // Completes and closes the file; throws when it is not whole. Nothing follows.
+    virtual void Finish() = 0;
+};
+
+// The file formats of an encoder. Every operation but HasTag may throw the reason against the request. [any thread]
+class CFileEncoding {
+public:
+    // What a file takes when samples of `format` are at hand: at best the same, else the nearest. The target converts.
+    virtual SWavFormat AcceptFormat(const STargetRequest& request, const SWavFormat& format) = 0;
+
+    // Creates the file for samples of `accepted`, which AcceptFormat has given.
+    virtual std::unique_ptr<CSoundWriter> CreateWriter(const STargetRequest& request, const SWavFormat& accepted) = 0;
+
+    // Whether the file format has a place for `tag`.
+    virtual bool HasTag(const STargetRequest& /*request*/, ETag /*tag*/) { return false; }
+
+    // The settings of the file format with their defaults.
+    virtual std::vector<SSetting> GetSettings(const std::string& /*extension*/) { return {}; }
+
+    // Throws for a value that the setting does not take. A list of values such as "low|high" is checked already.
+    virtual void CheckSetting(const STargetRequest& /*request*/, const std::string& /*name*/,
+                              const std::string& /*value*/) {}
+
+protected:
+    ~CFileEncoding() = default;
+};
