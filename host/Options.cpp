@@ -18,7 +18,7 @@ std::string RefuseEmpty(const std::string& text) { return text.empty() ? "an emp
 
 void AddPluginOption(CLI::App& command, std::string& directory) {
     command
-        .add_option("--plugins", directory, "Plug-in directory; if left out, the one installed or built with the program")
+        .add_option("--plugins", directory, "Plug-in directory; if left out, the one installed or built with keloaudio")
         ->type_name("DIR")
         ->check(RefuseEmpty);
 }
@@ -44,7 +44,7 @@ void AddConvertOptions(CLI::App& command, SConvertOptions& options) {
 void AddImagesOption(CLI::App& command, std::string& directory) {
     command
         .add_option("--images", directory,
-                    "Directory of the dialog's icons; if left out, the one installed or built with the program")
+                    "Directory of the dialog's icons; if left out, the one installed or built with keloaudio")
         ->type_name("DIR")
         ->check(RefuseEmpty);
 }

@@ -106,9 +106,7 @@ void CPluginSession::Unload() {
     }
 }
 
-std::string DefaultPluginDirectory() {
-    return ProgramDirectory(KELO_INSTALLED_PLUGINS, "../plugins");
-}
+std::string DefaultPluginDirectory() { return ProgramDirectory(KELO_INSTALLED_PLUGINS, "../plugins"); }
 
 std::string NameOf(IAudioComponent& component) {
     const char* const name = component.GetName();
