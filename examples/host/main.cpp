@@ -1,0 +1,51 @@
+// A complete host: reads a sound as 48 kHz, 16 bits, stereo, whatever it holds, and writes the samples to standard
+// output. Usage: minimal-host PLUGIN-DIRECTORY SOUND > samples.raw
+#include <cstdio>
+
+#include "com/ComPtr.h"
+#include "com/InterfaceIds.h"
+#include "pluginmgr/GetAudioPluginMgr.h"
+#include "stream/Process.h"
+#include "stream/RawReader.h"
+
+namespace {
+
+constexpr SWavFormat kWanted{48000, 16, 2};
+
+int Fail(const char* what, IStatus* status) {
+    std::fprintf(stderr, "%s: %s\n", what, status != nullptr ? status->GetDescription() : "failed");
+    return 1;
+}
+
+// A read that returns no bytes and a state other than ARS_MORE is the end.
+int Play(IAudioPluginMgr& manager, const char* sound) {
+    CComPtr<IUnknown> stream;
+    CComPtr<IStatus> status;
+    if (!manager.OpenURLAudioFile(sound, &kWanted, stream.Out(), -1, AUX_CONVERT, AUX_NONE, status.Out())) {
+        return Fail(sound, status.Get());
+    }
+    const auto process = CComPtr<IProcess>::Query(stream.Get(), IID_IProcess);
+    const auto reader = CComPtr<IAudioRawReader>::Query(stream.Get(), IID_IAudioRawReader);
+    if (!process->Start(status.Out())) return Fail(sound, status.Get());
+    static unsigned char buffer[65532];
+    EAudioRawState state = ARS_MORE;
+    bool good = true;
+    for (int read = 0; good && (read > 0 || state == ARS_MORE);) {
+        good = reader->RawRead(buffer, sizeof(buffer), &read, state, status.Out());
+        if (good) std::fwrite(buffer, 1, static_cast<std::size_t>(read), stdout);
+    }
+    process->End(nullptr);
+    return good && std::fflush(stdout) == 0 ? 0 : Fail(sound, status.Get());
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    CComPtr<IAudioPluginMgr> manager;
+    if (argc != 3 || GetAudioPluginMgr(manager.Out()) != 1) return 2;
+    manager->SetPluginDirectory(argv[1]);
+    manager->LoadPlugins();
+    const int result = Play(*manager, argv[2]);  // every stream is released before the plug-ins go
+    manager->UnloadPlugins();
+    return result;
+}

@@ -1,0 +1,90 @@
+// A URL handler plug-in to copy: fetches "http://" addresses with libcurl. Replace the fetching by your own.
+#include <curl/curl.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <mutex>
+
+#include "sdk/Plugin.h"
+#include "sdk/URLHandler.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// The extension of the address's path: decoders are chosen by it.
+std::string ExtensionOf(const std::string& url) {
+    const std::string path = url.substr(0, url.find_first_of("?#"));
+    const std::size_t dot = path.rfind('.');
+    return dot == std::string::npos || path.find('/', dot) != std::string::npos ? "" : path.substr(dot);
+}
+
+struct SFileCloser {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using CFilePtr = std::unique_ptr<std::FILE, SFileCloser>;
+
+struct SCurlCloser {
+    void operator()(CURL* curl) const { curl_easy_cleanup(curl); }
+};
+using CCurlPtr = std::unique_ptr<CURL, SCurlCloser>;
+
+void Download(const std::string& url, std::FILE* file) {
+    const CCurlPtr curl(curl_easy_init());
+    if (curl == nullptr) Refuse("libcurl cannot be used");
+    curl_easy_setopt(curl.get(), CURLOPT_URL, url.c_str());
+    curl_easy_setopt(curl.get(), CURLOPT_PROTOCOLS_STR, "http");
+    curl_easy_setopt(curl.get(), CURLOPT_FAILONERROR, 1L);
+    curl_easy_setopt(curl.get(), CURLOPT_NOSIGNAL, 1L);
+    curl_easy_setopt(curl.get(), CURLOPT_WRITEDATA, file);
+    const CURLcode result = curl_easy_perform(curl.get());
+    if (result != CURLE_OK) Refuse(url + ": " + curl_easy_strerror(result));
+}
+
+class CCurlHandler final : public CURLHandlerComponent<> {
+public:
+    CCurlHandler() : CURLHandlerComponent("Curl URL Handler", URL_HTTP) {}
+
+private:
+    void Begin() override {
+        std::string name = fs::temp_directory_path() / "curl-handler-XXXXXX";
+        if (mkdtemp(name.data()) == nullptr) Refuse("no private directory: " + SystemReason(errno));
+        m_strDirectory = name;
+    }
+
+    // The fetched files live until here.
+    void End() noexcept override {
+        std::error_code ignored;
+        fs::remove_all(m_strDirectory, ignored);
+    }
+
+    std::string FetchFile(const std::string& url) override {
+        const std::string path = NextPath(ExtensionOf(url));
+        const CFilePtr file(std::fopen(path.c_str(), "wb"));
+        if (file == nullptr) Refuse(path + ": " + SystemReason(errno));
+        try {
+            Download(url, file.get());
+            if (std::fflush(file.get()) != 0) Refuse(path + ": " + SystemReason(errno));
+        } catch (...) {
+            fs::remove(path);
+            throw;
+        }
+        return path;
+    }
+
+    // Several threads may fetch at once.
+    std::string NextPath(const std::string& extension) {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        return m_strDirectory + "/" + std::to_string(++m_nFetches) + extension;
+    }
+
+    std::string m_strDirectory;
+    std::mutex m_mutex;
+    int m_nFetches = 0;
+};
+
+}  // namespace
+
+KELO_PLUGIN(CCurlHandler);
