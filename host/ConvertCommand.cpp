@@ -1,6 +1,7 @@
 // keloaudio convert.
 #include "host/ConvertCommand.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
@@ -13,6 +14,7 @@
 #include "host/FailureText.h"
 #include "host/FormatText.h"
 #include "host/PluginCall.h"
+#include "host/PluginOptions.h"
 #include "host/SourceStream.h"
 #include "host/StandardOutput.h"
 #include "host/StopSignal.h"
@@ -21,6 +23,10 @@
 
 namespace {
 
+constexpr int kMinSampleRate = 1000;
+constexpr int kMaxSampleRate = 768000;
+constexpr int kMaxChannels = 64;
+
 constexpr int kBlockBytes = 65536;
 
 // The source aggregator rounds its requests to this.
@@ -28,6 +34,17 @@ constexpr std::int64_t kRequestUnit = 12;
 
 // Less than a hundredth of a second may be the rounding of announced lengths and of the resampler.
 constexpr double kShortfallPerSecond = 100;
+
+struct SConvertOptions {
+    SPluginOptions m_plugins;
+    std::string m_strInput;
+    std::string m_strOutput;
+
+    // 0 keeps what the source has.
+    int m_nSampleRate = 0;
+    int m_nBitsPerSample = 0;
+    int m_nChannels = 0;
+};
 
 struct SStreamReport {
     SWavFormat m_format;
@@ -154,11 +171,9 @@ void PrintReport(const std::string& name, const SStreamReport& report) {
     std::puts(line.c_str());
 }
 
-}  // namespace
-
-void RunConvert(const SConvertOptions& options, const std::string& pluginDirectory) {
+int RunConvert(const SConvertOptions& options) {
     const CSourceName name(options.m_strInput);
-    const CPluginSession session(pluginDirectory);
+    const CPluginSession session(options.m_plugins);
     CallPlugins(options.m_strInput, [&] {
         CConversion conversion(session, options, name);
         CTargetFile file(options.m_strOutput, name.GetURL());
@@ -169,4 +184,31 @@ void RunConvert(const SConvertOptions& options, const std::string& pluginDirecto
         FlushStandardOutput();
         file.Commit();
     });
+    return 0;
 }
+
+std::function<int()> DefineConvert(CLI::App& app) {
+    const auto options = std::make_shared<SConvertOptions>();
+    AddPluginOptions(app, options->m_plugins);
+    app.add_option("INPUT", options->m_strInput, "A file, or an http:// or ftp:// address")
+        ->required()
+        ->check(RefuseEmpty);
+    app.add_option("OUTPUT", options->m_strOutput, "The file to write; its extension chooses the encoder")
+        ->required()
+        ->check(RefuseEmpty);
+    app.add_option("--rate", options->m_nSampleRate, "Sample frames per second")
+        ->type_name("HZ")
+        ->check(CLI::Range(kMinSampleRate, kMaxSampleRate));
+    app.add_option("--bits", options->m_nBitsPerSample, "Bits per sample: 8, 16, 24 or 32")
+        ->type_name("N")
+        ->check(CLI::IsMember({8, 16, 24, 32}));
+    app.add_option("--channels", options->m_nChannels, "Number of channels")
+        ->type_name("N")
+        ->check(CLI::Range(1, kMaxChannels));
+    return [options] { return RunConvert(*options); };
+}
+
+}  // namespace
+
+const SCommand kConvertCommand = {"convert", "Convert one audio file",
+                                  "Example: keloaudio convert in.oga out.flac --rate 48000 --bits 24", DefineConvert};

@@ -1,10 +1,8 @@
 // keloaudio convert.
 #pragma once
 
-#include <string>
+#include "host/Command.h"
 
-#include "host/Options.h"
-
-// Converts one file and prints the format and length of what was read and written. On failure (CFailure) nothing is
-// left behind and an existing output stays as it was.
-void RunConvert(const SConvertOptions& options, const std::string& pluginDirectory);
+// Converts one file and prints the format and length of what was read and written. On failure nothing is left behind
+// and an existing output stays as it was.
+extern const SCommand kConvertCommand;

@@ -1,14 +1,17 @@
 // keloaudio list.
 #include "host/ListCommand.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <memory>
 #include <vector>
 
 #include "com/ComponentInfo.h"
 #include "com/InterfaceIds.h"
 #include "host/PluginCall.h"
+#include "host/PluginOptions.h"
 #include "host/PluginSession.h"
 
 namespace {
@@ -58,10 +61,8 @@ void PrintRows(const std::vector<CRow>& rows) {
     }
 }
 
-}  // namespace
-
-void RunList(const std::string& pluginDirectory) {
-    const CPluginSession session(pluginDirectory);
+int RunList(const SPluginOptions& options) {
+    const CPluginSession session(options);
     CallPlugins(session.GetDirectory(), [&session] {
         std::vector<CRow> rows;
         for (const CComPtr<IAudioComponent>& component : session.GetComponents()) {
@@ -69,4 +70,16 @@ void RunList(const std::string& pluginDirectory) {
         }
         PrintRows(rows);
     });
+    return 0;
 }
+
+std::function<int()> DefineList(CLI::App& app) {
+    const auto options = std::make_shared<SPluginOptions>();
+    AddPluginOptions(app, *options);
+    return [options] { return RunList(*options); };
+}
+
+}  // namespace
+
+const SCommand kListCommand = {"list", "List the components of the plug-ins",
+                               "Example: keloaudio list --plugins /opt/kelo/plugins", DefineList};

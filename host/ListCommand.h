@@ -1,7 +1,7 @@
 // keloaudio list.
 #pragma once
 
-#include <string>
+#include "host/Command.h"
 
-// Prints one line for each component: type, name, plug-in file and index, extensions.
-void RunList(const std::string& pluginDirectory);
+// Prints the components of the plug-ins and what each can do.
+extern const SCommand kListCommand;

@@ -14,7 +14,6 @@
 #include "host/Failure.h"
 #include "host/FailureText.h"
 #include "host/PluginCall.h"
-#include "host/ProgramDirectory.h"
 #include "pluginmgr/GetAudioPluginMgr.h"
 #include "stream/FileOpener.h"
 
@@ -49,8 +48,8 @@ bool IsAskedForConversion(IAudioComponent& component) {
 
 }  // namespace
 
-CPluginSession::CPluginSession(const std::string& directory)
-    : m_strDirectory(std::filesystem::absolute(directory).string()) {
+CPluginSession::CPluginSession(const SPluginOptions& options)
+    : m_strDirectory(std::filesystem::absolute(ChosenPluginDirectory(options)).string()) {
     m_vCandidates = ListCandidates(m_strDirectory);
     RequireShortPath(m_strDirectory);
     if (GetAudioPluginMgr(m_pManager.Out()) != 1) throw CFailure(m_strDirectory, "no plug-in manager");
@@ -105,8 +104,6 @@ void CPluginSession::Unload() {
         // So does one that throws here: the work is done, and nothing is left to fail.
     }
 }
-
-std::string DefaultPluginDirectory() { return ProgramDirectory(KELO_INSTALLED_PLUGINS, "../plugins"); }
 
 std::string NameOf(IAudioComponent& component) {
     const char* const name = component.GetName();

@@ -6,6 +6,7 @@
 
 #include "com/AudioComponent.h"
 #include "com/ComPtr.h"
+#include "host/PluginOptions.h"
 #include "stream/AudioPluginMgrInterface.h"
 
 // Loads in the constructor; the destructor unloads and gives the manager back. Streams and components taken from the
@@ -14,7 +15,7 @@
 class CPluginSession {
 public:
     // Throws CFailure for a directory that cannot be read or yields no component, and when a plug-in throws.
-    explicit CPluginSession(const std::string& directory);
+    explicit CPluginSession(const SPluginOptions& options);
     ~CPluginSession();
 
     CPluginSession(const CPluginSession&) = delete;
@@ -39,9 +40,6 @@ private:
     std::vector<std::string> m_vCandidates;
     CComPtr<IAudioPluginMgr> m_pManager;
 };
-
-// The plug-in directory that was installed or built with the running program.
-std::string DefaultPluginDirectory();
 
 // The component's name; "(no name)" when it tells none.
 std::string NameOf(IAudioComponent& component);

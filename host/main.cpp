@@ -1,51 +1,75 @@
 // keloaudio: the command-line host of the plug-in manager.
+#include <CLI/CLI.hpp>
 #include <exception>
 #include <new>
+#include <utility>
+#include <vector>
 
 #include "host/ConvertCommand.h"
 #include "host/Failure.h"
 #include "host/FailureText.h"
 #include "host/ListCommand.h"
-#include "host/Options.h"
 #include "host/SettingsCommand.h"
 #include "host/StandardOutput.h"
 #include "host/StopSignal.h"
 
 namespace {
 
+constexpr const SCommand* kCommands[] = {
+    &kListCommand,
+    &kConvertCommand,
+    &kSettingsCommand,
+};
+
 // The shell's number for a program that a signal ended.
 constexpr int kExitSignalBase = 128;
 
+// The first line alone; the rest repeats where help is.
+int ReportWrongUsage(const std::string& text) {
+    const std::string reason = text.substr(0, text.find('\n')) + " (see keloaudio --help)";
+    ReportFailure(nullptr, reason.c_str());
+    return kExitWrongUsage;
+}
+
 // The exit status.
-int RunCommand(const SOptions& options) {
+int RunCommandLine(int argc, char** argv) {
+    CLI::App app("Converts audio files through the plug-in manager, lists its plug-ins and shows their settings.",
+                 "keloaudio");
+    app.set_version_flag("--version", "keloaudio " KELO_VERSION);
+    app.require_subcommand(1);
+    std::vector<std::pair<const CLI::App*, std::function<int()>>> commands;
+    for (const SCommand* const command : kCommands) {
+        CLI::App* const defined = app.add_subcommand(command->m_szName, command->m_szDescription);
+        defined->footer(command->m_szExamples);
+        commands.emplace_back(defined, command->m_pDefine(*defined));
+    }
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return error.get_exit_code() == 0 ? app.exit(error) : ReportWrongUsage(error.what());
+    }
     int exitStatus = 0;
-    switch (options.m_eCommand) {
-        case SOptions::ECommand::List:
-            RunList(options.m_strPluginDirectory);
-            break;
-        case SOptions::ECommand::Convert:
-            RunConvert(options.m_convert, options.m_strPluginDirectory);
-            break;
-        case SOptions::ECommand::Settings:
-            exitStatus = RunSettings(options.m_strPluginDirectory, options.m_strImagesDirectory) ? 0 : kExitFailed;
-            break;
+    for (const auto& [defined, run] : commands) {
+        if (defined->parsed()) exitStatus = run();
     }
     FlushStandardOutput();
     return exitStatus;
 }
 
 // Whatever ends a command ends here, as one line.
-int RunReported(const char* subject, int (*run)(const SOptions&), const SOptions& options) noexcept {
+int RunReported(int argc, char** argv) noexcept {
     try {
-        return run(options);
+        return RunCommandLine(argc, argv);
+    } catch (const CWrongUsage& failure) {
+        return ReportWrongUsage(failure.what());
     } catch (const CFailure& failure) {
         ReportFailure(nullptr, failure.what());
     } catch (const std::bad_alloc&) {
-        ReportFailure(subject, "not enough memory");
+        ReportFailure(nullptr, "not enough memory");
     } catch (const std::exception& error) {
-        ReportFailure(subject, error.what());
+        ReportFailure(nullptr, error.what());
     } catch (...) {
-        ReportFailure(subject, "a plug-in ended with an exception");
+        ReportFailure(nullptr, "a plug-in ended with an exception");
     }
     return GetStopSignal() != 0 ? kExitSignalBase + GetStopSignal() : kExitFailed;
 }
@@ -54,13 +78,5 @@ int RunReported(const char* subject, int (*run)(const SOptions&), const SOptions
 
 int main(int argc, char** argv) {
     WatchStopSignals();
-    SOptions options;
-    int exitStatus = 0;
-    try {
-        if (!ParseOptions(argc, argv, options, exitStatus)) return exitStatus;
-    } catch (const std::exception& error) {
-        ReportFailure(nullptr, error.what());
-        return kExitFailed;
-    }
-    return RunReported(options.GetSubject().c_str(), RunCommand, options);
+    return RunReported(argc, argv);
 }
