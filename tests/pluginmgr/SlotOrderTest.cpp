@@ -1,80 +1,117 @@
 // The manager's tables of operations, read slot by slot from a live object.
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include "com/InterfaceIds.h"
+#include "pluginmgr/AudioPluginLib.h"
 #include "tests/pluginmgr/Manager.h"
+#include "tests/support/ClassTable.h"
+#include "tests/support/SlotTable.h"
 
 namespace {
 
-using Table = void* const*;
-
-Table TableOf(const void* face) { return *static_cast<Table const*>(face); }
-
-void* Exported(const char* symbol) { return dlsym(RTLD_DEFAULT, symbol); }
-
-constexpr const char* kPrimarySlots[] = {
-    "_ZN15CAudioPluginMgr6AddRefEv",
-    "_ZN15CAudioPluginMgr7ReleaseEv",
-    "_ZN15CAudioPluginMgr14QueryInterfaceEmPPv",
-    "_ZN15CAudioPluginMgr18SetPluginDirectoryEPKc",
-    "_ZN15CAudioPluginMgr18SetImagesDirectoryEPKc",
-    "_ZN15CAudioPluginMgr18GetImagesDirectoryEv",
-    "_ZN15CAudioPluginMgr11LoadPluginsEv",
-    "_ZN15CAudioPluginMgr16CanUnloadPluginsEv",
-    "_ZN15CAudioPluginMgr13UnloadPluginsEv",
-    "_ZN15CAudioPluginMgr12SetConvertorEP17IConvertorFactoryPP7IStatus",
-    "_ZN15CAudioPluginMgr12GetConvertorEPP17IConvertorFactory",
-    "_ZN15CAudioPluginMgr24GetUnsupportedComponentsEPP14IComponentEnum",
-    "_ZN15CAudioPluginMgr9SendEventEjP8IUnknown",
-    "_ZN15CAudioPluginMgr17SubscribeToEventsEP14IEventReceiver",
-    "_ZN15CAudioPluginMgr19UnsubscribeToEventsEP14IEventReceiver",
-    "_ZN15CAudioPluginMgr16OpenURLAudioFileEPKcPK10SWavFormatPP8IUnknowni9EAuxFlagsS8_PP7IStatus",
-    "_ZN15CAudioPluginMgr20CreateURLAudioTargetEP22IURLAudioTargetFactoryPP8IUnknownRK10SWavFormatPP7IStatus",
-    "_ZN15CAudioPluginMgr15AttachAuxObjectEPvP8IUnknown",
-    "_ZN15CAudioPluginMgr15DetachAuxObjectEPv",
-    "_ZN15CAudioPluginMgr12GetAuxObjectEPvPP8IUnknown",
-    "_ZN15CAudioPluginMgrD1Ev",
-    "_ZN15CAudioPluginMgrD0Ev",
-    "_ZN15CAudioPluginMgr8GetCountEv",
-    "_ZN15CAudioPluginMgr12GetComponentEiPP15IAudioComponent",
-    "_ZN15CAudioPluginMgr9SetVendorEPKcPP7IStatus",
-    "_ZN15CAudioPluginMgr9GetVendorEv",
-    "_ZN15CAudioPluginMgr10SetProductEPKcPP7IStatus",
-    "_ZN15CAudioPluginMgr10GetProductEv",
-    "_ZN15CAudioPluginMgr9ConfigureEv",
-    "_ZN15CAudioPluginMgr16GetComponentInfoEP15IAudioComponentP14COMPONENT_INFO",
-    "_ZN15CAudioPluginMgr3SetEPP15IAudioComponenti",
-    "_ZN15CAudioPluginMgr3GetE19EAudioComponentTypePP14IComponentEnum",
-    "_ZN15CAudioPluginMgr12SetAppWindowEP10_GtkWindow",
-    "_ZN15CAudioPluginMgr12GetAppWindowEv",
-    "_ZN15CAudioPluginMgr11IsSupportedE13EAudioFeature",
-    "_ZN15CAudioPluginMgr13EnableSupportE13EAudioFeatureb",
-    "_ZN15CAudioPluginMgr12AddComponentEP15IAudioComponentPKci",
-    "_ZN15CAudioPluginMgr13DoLoadPluginsEv",
-    "_ZN15CAudioPluginMgr17GetReceiverNumberEP14IEventReceiver",
-    "_ZN15CAudioPluginMgr10GetURLTypeEPKc",
-    "_ZN15CAudioPluginMgr20GetComponentStringIDEP15IAudioComponent",
-    "_ZN15CAudioPluginMgr16OpenURLAudioFileEPKcPP8IUnknowni9EAuxFlagsS5_PP7IStatus",
-};
+using support::ExpectSlots;
+using support::TableOf;
 
 TEST(ManagerSlots, OfThePrimaryFaceStandInOrder) {
     const auto manager = ObtainManager();
-    IAudioPluginMgr* const primary = manager.Get();
-    const Table table = TableOf(primary);
-    int slot = 0;
-    for (const char* const symbol : kPrimarySlots) {
-        ASSERT_NE(Exported(symbol), nullptr) << symbol;
-        EXPECT_EQ(table[slot], Exported(symbol)) << "slot " << slot << ": " << symbol;
-        ++slot;
-    }
+    ExpectSlots(
+        TableOf(static_cast<IAudioPluginMgr*>(manager.Get())),
+        {
+            "_ZN15CAudioPluginMgr6AddRefEv",
+            "_ZN15CAudioPluginMgr7ReleaseEv",
+            "_ZN15CAudioPluginMgr14QueryInterfaceEmPPv",
+            "_ZN15CAudioPluginMgr18SetPluginDirectoryEPKc",
+            "_ZN15CAudioPluginMgr18SetImagesDirectoryEPKc",
+            "_ZN15CAudioPluginMgr18GetImagesDirectoryEv",
+            "_ZN15CAudioPluginMgr11LoadPluginsEv",
+            "_ZN15CAudioPluginMgr16CanUnloadPluginsEv",
+            "_ZN15CAudioPluginMgr13UnloadPluginsEv",
+            "_ZN15CAudioPluginMgr12SetConvertorEP17IConvertorFactoryPP7IStatus",
+            "_ZN15CAudioPluginMgr12GetConvertorEPP17IConvertorFactory",
+            "_ZN15CAudioPluginMgr24GetUnsupportedComponentsEPP14IComponentEnum",
+            "_ZN15CAudioPluginMgr9SendEventEjP8IUnknown",
+            "_ZN15CAudioPluginMgr17SubscribeToEventsEP14IEventReceiver",
+            "_ZN15CAudioPluginMgr19UnsubscribeToEventsEP14IEventReceiver",
+            "_ZN15CAudioPluginMgr16OpenURLAudioFileEPKcPK10SWavFormatPP8IUnknowni9EAuxFlagsS8_PP7IStatus",
+            "_ZN15CAudioPluginMgr20CreateURLAudioTargetEP22IURLAudioTargetFactoryPP8IUnknownRK10SWavFormatPP7IStatus",
+            "_ZN15CAudioPluginMgr15AttachAuxObjectEPvP8IUnknown",
+            "_ZN15CAudioPluginMgr15DetachAuxObjectEPv",
+            "_ZN15CAudioPluginMgr12GetAuxObjectEPvPP8IUnknown",
+            "_ZN15CAudioPluginMgrD1Ev",
+            "_ZN15CAudioPluginMgrD0Ev",
+            "_ZN15CAudioPluginMgr8GetCountEv",
+            "_ZN15CAudioPluginMgr12GetComponentEiPP15IAudioComponent",
+            "_ZN15CAudioPluginMgr9SetVendorEPKcPP7IStatus",
+            "_ZN15CAudioPluginMgr9GetVendorEv",
+            "_ZN15CAudioPluginMgr10SetProductEPKcPP7IStatus",
+            "_ZN15CAudioPluginMgr10GetProductEv",
+            "_ZN15CAudioPluginMgr9ConfigureEv",
+            "_ZN15CAudioPluginMgr16GetComponentInfoEP15IAudioComponentP14COMPONENT_INFO",
+            "_ZN15CAudioPluginMgr3SetEPP15IAudioComponenti",
+            "_ZN15CAudioPluginMgr3GetE19EAudioComponentTypePP14IComponentEnum",
+            "_ZN15CAudioPluginMgr12SetAppWindowEP10_GtkWindow",
+            "_ZN15CAudioPluginMgr12GetAppWindowEv",
+            "_ZN15CAudioPluginMgr11IsSupportedE13EAudioFeature",
+            "_ZN15CAudioPluginMgr13EnableSupportE13EAudioFeatureb",
+            "_ZN15CAudioPluginMgr12AddComponentEP15IAudioComponentPKci",
+            "_ZN15CAudioPluginMgr13DoLoadPluginsEv",
+            "_ZN15CAudioPluginMgr17GetReceiverNumberEP14IEventReceiver",
+            "_ZN15CAudioPluginMgr10GetURLTypeEPKc",
+            "_ZN15CAudioPluginMgr20GetComponentStringIDEP15IAudioComponent",
+            "_ZN15CAudioPluginMgr16OpenURLAudioFileEPKcPP8IUnknowni9EAuxFlagsS5_PP7IStatus",
+        });
 }
 
-// A secondary face is called through its slots as a separately built host would do.
-template <typename TResult, typename... TArguments>
-TResult CallSlot(void* face, int slot, TArguments... arguments) {
-    using Operation = TResult (*)(void*, TArguments...);
-    return reinterpret_cast<Operation>(TableOf(face)[slot])(face, arguments...);
+TEST(ManagerSlots, OfTheSecondaryFacesLeadToThePrimaryOperations) {
+    const auto manager = ObtainManager();
+    CAudioPluginMgr* const object = manager.Get();
+    ExpectSlots(TableOf(static_cast<IComponentEnum*>(object)),
+                {"_ZThn8_N15CAudioPluginMgr6AddRefEv", "_ZThn8_N15CAudioPluginMgr7ReleaseEv",
+                 "_ZThn8_N15CAudioPluginMgr14QueryInterfaceEmPPv", "_ZThn8_N15CAudioPluginMgr8GetCountEv",
+                 "_ZThn8_N15CAudioPluginMgr12GetComponentEiPP15IAudioComponent"});
+    ExpectSlots(TableOf(static_cast<IProfile*>(object)),
+                {"_ZThn16_N15CAudioPluginMgr6AddRefEv", "_ZThn16_N15CAudioPluginMgr7ReleaseEv",
+                 "_ZThn16_N15CAudioPluginMgr14QueryInterfaceEmPPv",
+                 "_ZThn16_N15CAudioPluginMgr9SetVendorEPKcPP7IStatus", "_ZThn16_N15CAudioPluginMgr9GetVendorEv",
+                 "_ZThn16_N15CAudioPluginMgr10SetProductEPKcPP7IStatus", "_ZThn16_N15CAudioPluginMgr10GetProductEv"});
+    ExpectSlots(TableOf(static_cast<IConfigurable*>(object)),
+                {"_ZThn24_N15CAudioPluginMgr6AddRefEv", "_ZThn24_N15CAudioPluginMgr7ReleaseEv",
+                 "_ZThn24_N15CAudioPluginMgr14QueryInterfaceEmPPv", "_ZThn24_N15CAudioPluginMgr9ConfigureEv"});
+    ExpectSlots(TableOf(static_cast<IAudioPluginMgrInternal*>(object)),
+                {"_ZThn32_N15CAudioPluginMgr6AddRefEv", "_ZThn32_N15CAudioPluginMgr7ReleaseEv",
+                 "_ZThn32_N15CAudioPluginMgr14QueryInterfaceEmPPv",
+                 "_ZThn32_N15CAudioPluginMgr16GetComponentInfoEP15IAudioComponentP14COMPONENT_INFO"});
+    ExpectSlots(
+        TableOf(static_cast<IComponentOrderMgr*>(object)),
+        {"_ZThn40_N15CAudioPluginMgr6AddRefEv", "_ZThn40_N15CAudioPluginMgr7ReleaseEv",
+         "_ZThn40_N15CAudioPluginMgr14QueryInterfaceEmPPv", "_ZThn40_N15CAudioPluginMgr3SetEPP15IAudioComponenti",
+         "_ZThn40_N15CAudioPluginMgr3GetE19EAudioComponentTypePP14IComponentEnum"});
+    ExpectSlots(
+        TableOf(static_cast<IAppWindow*>(object)),
+        {"_ZThn48_N15CAudioPluginMgr6AddRefEv", "_ZThn48_N15CAudioPluginMgr7ReleaseEv",
+         "_ZThn48_N15CAudioPluginMgr14QueryInterfaceEmPPv", "_ZThn48_N15CAudioPluginMgr12SetAppWindowEP10_GtkWindow",
+         "_ZThn48_N15CAudioPluginMgr12GetAppWindowEv"});
+    ExpectSlots(
+        TableOf(static_cast<IFeatureSupport*>(object)),
+        {"_ZThn56_N15CAudioPluginMgr6AddRefEv", "_ZThn56_N15CAudioPluginMgr7ReleaseEv",
+         "_ZThn56_N15CAudioPluginMgr14QueryInterfaceEmPPv", "_ZThn56_N15CAudioPluginMgr11IsSupportedE13EAudioFeature",
+         "_ZThn56_N15CAudioPluginMgr13EnableSupportE13EAudioFeatureb"});
+}
+
+TEST(ManagerSlots, AreAllThatItsTablesHold) {
+    support::ExpectTableLengths("_ZTV15CAudioPluginMgr", {42, 5, 7, 4, 4, 5, 5, 5});
+}
+
+TEST(AuxObjectSlots, AreTheDestructorAlone) {
+    const CAudioPluginMgr::AUXOBJECT entry(nullptr, nullptr);
+    ExpectSlots(TableOf(&entry), {"_ZN15CAudioPluginMgr9AUXOBJECTD1Ev", "_ZN15CAudioPluginMgr9AUXOBJECTD0Ev"});
+    support::ExpectTableLengths("_ZTVN15CAudioPluginMgr9AUXOBJECTE", {2});
+}
+
+TEST(LibrarySlots, AreTheDestructorAlone) {
+    const CAudioPluginLib library(nullptr, nullptr);
+    ExpectSlots(TableOf(&library), {"_ZN15CAudioPluginLibD1Ev", "_ZN15CAudioPluginLibD0Ev"});
+    support::ExpectTableLengths("_ZTV15CAudioPluginLib", {2});
 }
 
 // An encoder that the registry may forget.

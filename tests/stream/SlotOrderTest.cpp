@@ -4,6 +4,7 @@
 
 #include "stream/TargetAggregator.h"
 #include "tests/stream/SourceFixture.h"
+#include "tests/support/ClassTable.h"
 #include "tests/support/FakeComponents.h"
 #include "tests/support/FakeEncoder.h"
 #include "tests/support/SlotTable.h"
@@ -135,6 +136,62 @@ TEST_F(SourceSlots, OfTheRealFormatFace) {
     EXPECT_EQ(CallSlot<SWavFormat>(face, 3), kCompactDisc);
 }
 
+TEST_F(SourceSlots, HoldTheExportedFunctions) {
+    using support::ExpectSlots;
+    using support::TableOf;
+    void* const object = Object();
+    ExpectSlots(TableOf(object), {"_ZN18CSrcConvAggregator6AddRefEv",
+                                  "_ZN18CSrcConvAggregator7ReleaseEv",
+                                  "_ZN18CSrcConvAggregator14QueryInterfaceEmPPv",
+                                  "_ZN18CSrcConvAggregator5StartEPP7IStatus",
+                                  "_ZN18CSrcConvAggregator3EndEPP7IStatus",
+                                  "_ZN18CSrcConvAggregator11IsInProcessEv",
+                                  "_ZN18CSrcConvAggregatorD1Ev",
+                                  "_ZN18CSrcConvAggregatorD0Ev",
+                                  "_ZN18CSrcConvAggregator12GetRawFormatEv",
+                                  "_ZN18CSrcConvAggregator7RawReadEPhiPiR14EAudioRawStatePP7IStatus",
+                                  "_ZN18CSrcConvAggregator9GetRawLenEv",
+                                  "_ZN18CSrcConvAggregator6GetPosEv",
+                                  "_ZN18CSrcConvAggregator12GetBlockSizeEv",
+                                  "_ZN18CSrcConvAggregator13GetDataLengthEv",
+                                  "_ZN18CSrcConvAggregator14GetIndexNumberEv",
+                                  "_ZN18CSrcConvAggregator8GetIndexEi",
+                                  "_ZN18CSrcConvAggregator9GetArtistEv",
+                                  "_ZN18CSrcConvAggregator8GetTitleEv",
+                                  "_ZN18CSrcConvAggregator8GetAlbumEv",
+                                  "_ZN18CSrcConvAggregator7GetYearEv",
+                                  "_ZN18CSrcConvAggregator8GetGenreEv",
+                                  "_ZN18CSrcConvAggregator4SeekEmPP7IStatus",
+                                  "_ZN18CSrcConvAggregator13GetRealFormatEv"});
+    ExpectSlots(TableOf(FaceBehind(object, 1)),
+                {"_ZThn8_N18CSrcConvAggregator6AddRefEv", "_ZThn8_N18CSrcConvAggregator7ReleaseEv",
+                 "_ZThn8_N18CSrcConvAggregator14QueryInterfaceEmPPv", "_ZThn8_N18CSrcConvAggregator12GetRawFormatEv",
+                 "_ZThn8_N18CSrcConvAggregator7RawReadEPhiPiR14EAudioRawStatePP7IStatus",
+                 "_ZThn8_N18CSrcConvAggregator9GetRawLenEv"});
+    ExpectSlots(TableOf(FaceBehind(object, 2)),
+                {"_ZThn16_N18CSrcConvAggregator6AddRefEv", "_ZThn16_N18CSrcConvAggregator7ReleaseEv",
+                 "_ZThn16_N18CSrcConvAggregator14QueryInterfaceEmPPv", "_ZThn16_N18CSrcConvAggregator6GetPosEv",
+                 "_ZThn16_N18CSrcConvAggregator12GetBlockSizeEv", "_ZThn16_N18CSrcConvAggregator13GetDataLengthEv"});
+    ExpectSlots(TableOf(FaceBehind(object, 3)),
+                {"_ZThn24_N18CSrcConvAggregator6AddRefEv", "_ZThn24_N18CSrcConvAggregator7ReleaseEv",
+                 "_ZThn24_N18CSrcConvAggregator14QueryInterfaceEmPPv",
+                 "_ZThn24_N18CSrcConvAggregator14GetIndexNumberEv", "_ZThn24_N18CSrcConvAggregator8GetIndexEi"});
+    ExpectSlots(TableOf(FaceBehind(object, 4)),
+                {"_ZThn32_N18CSrcConvAggregator6AddRefEv", "_ZThn32_N18CSrcConvAggregator7ReleaseEv",
+                 "_ZThn32_N18CSrcConvAggregator14QueryInterfaceEmPPv", "_ZThn32_N18CSrcConvAggregator8GetTitleEv",
+                 "_ZThn32_N18CSrcConvAggregator9GetArtistEv", "_ZThn32_N18CSrcConvAggregator8GetAlbumEv",
+                 "_ZThn32_N18CSrcConvAggregator7GetYearEv", "_ZThn32_N18CSrcConvAggregator8GetGenreEv"});
+    ExpectSlots(
+        TableOf(FaceBehind(object, 5)),
+        {"_ZThn40_N18CSrcConvAggregator6AddRefEv", "_ZThn40_N18CSrcConvAggregator7ReleaseEv",
+         "_ZThn40_N18CSrcConvAggregator14QueryInterfaceEmPPv", "_ZThn40_N18CSrcConvAggregator4SeekEmPP7IStatus"});
+    ExpectSlots(
+        TableOf(FaceBehind(object, 6)),
+        {"_ZThn48_N18CSrcConvAggregator6AddRefEv", "_ZThn48_N18CSrcConvAggregator7ReleaseEv",
+         "_ZThn48_N18CSrcConvAggregator14QueryInterfaceEmPPv", "_ZThn48_N18CSrcConvAggregator13GetRealFormatEv"});
+    support::ExpectTableLengths("_ZTV18CSrcConvAggregator", {23, 6, 6, 5, 8, 4, 4});
+}
+
 class TargetSlots : public testing::Test {
 protected:
     TargetSlots() {
@@ -182,6 +239,21 @@ TEST_F(TargetSlots, OfTheRawWriterFace) {
     EXPECT_EQ(CallSlot<unsigned int>(face, 0), 6U);
     EXPECT_EQ(CallSlot<unsigned int>(face, 1), 5U);
     ExpectWrites(face, 3);
+}
+
+TEST_F(TargetSlots, HoldTheExportedFunctions) {
+    support::ExpectSlots(
+        support::TableOf(m_pObject),
+        {"_ZN17CTargetAggregator6AddRefEv", "_ZN17CTargetAggregator7ReleaseEv",
+         "_ZN17CTargetAggregator14QueryInterfaceEmPPv", "_ZN17CTargetAggregator5StartEPP7IStatus",
+         "_ZN17CTargetAggregator3EndEPP7IStatus", "_ZN17CTargetAggregator11IsInProcessEv",
+         "_ZN17CTargetAggregator8RawWriteEPhiR14EAudioRawStatePP7IStatus", "_ZN17CTargetAggregator12GetRawFormatEv"});
+    support::ExpectSlots(support::TableOf(FaceBehind(m_pObject, 1)),
+                         {"_ZThn8_N17CTargetAggregator6AddRefEv", "_ZThn8_N17CTargetAggregator7ReleaseEv",
+                          "_ZThn8_N17CTargetAggregator14QueryInterfaceEmPPv",
+                          "_ZThn8_N17CTargetAggregator8RawWriteEPhiR14EAudioRawStatePP7IStatus",
+                          "_ZThn8_N17CTargetAggregator12GetRawFormatEv"});
+    support::ExpectTableLengths("_ZTV17CTargetAggregator", {8, 5});
 }
 
 // The interfaces of plug-ins and hosts: the slots that the library calls.
