@@ -35,6 +35,14 @@ TEST(PublicHeaders, CompileAloneAsCpp17) { ExpectPublicHeadersToCompile("c++17")
 
 TEST(PublicHeaders, CompileAloneAsCpp20) { ExpectPublicHeadersToCompile("c++20"); }
 
+TEST(SdkHeaders, CompileAloneFromCpp17On) {
+    for (const char* const standard : {"c++17", "c++20"}) {
+        const SCommandResult result = CompileAlone(standard, KELO_SOURCE_DIRECTORY, ListedIn(KELO_SDK_HEADER_LIST));
+        EXPECT_EQ(result.m_nStatus, 0) << standard;
+        EXPECT_EQ(result.m_strOutput, "") << standard;
+    }
+}
+
 TEST(PublicHeaders, OneThatNeedsAnotherIncludeIsFound) {
     CScratchDirectory root;
     root.Write("Whole.h", "#pragma once\n#include <cstddef>\ninline std::size_t One() { return 1; }\n");
