@@ -35,6 +35,7 @@ public:
     // Set in the constructor's flags: the last InnerRelease does not delete the object.
     static constexpr unsigned int kNeverDeleted = 1;
 
+    // 0, or kNeverDeleted.
     explicit CAggregatable(unsigned int flags);
 
     CAggregatable(const CAggregatable&) = delete;

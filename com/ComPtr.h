@@ -10,6 +10,8 @@ template <typename T>
 class CComPtr {
 public:
     CComPtr() = default;
+
+    // Empty, as the default is.
     CComPtr(std::nullptr_t) {}
 
     // Takes a further reference.
@@ -22,10 +24,13 @@ public:
         if (m_pObject != nullptr) m_pObject->Release();
     }
 
+    // Releases what the pointer held; a copy takes a further reference, a move takes the other's over.
     CComPtr& operator=(const CComPtr& other) {
         CComPtr(other).Swap(*this);
         return *this;
     }
+
+    // The other is empty afterwards.
     CComPtr& operator=(CComPtr&& other) noexcept {
         CComPtr(static_cast<CComPtr&&>(other)).Swap(*this);
         return *this;
@@ -46,6 +51,7 @@ public:
         return Adopt(static_cast<T*>(face));
     }
 
+    // The object, lent; null when the pointer is empty.
     T* Get() const { return m_pObject; }
     T* operator->() const { return m_pObject; }
     T& operator*() const { return *m_pObject; }
@@ -70,6 +76,7 @@ public:
         return &m_pObject;
     }
 
+    // Exchanges the objects; counts nothing.
     void Swap(CComPtr& other) noexcept {
         T* const object = m_pObject;
         m_pObject = other.m_pObject;

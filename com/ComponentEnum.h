@@ -9,6 +9,7 @@ class IAudioComponent;
 // [any thread] while nobody loads or unloads plug-ins.
 class IComponentEnum : public IUnknown {
 public:
+    // Components that GetComponent knows: 0 to GetCount() - 1.
     virtual int GetCount() = 0;
 
     // Stores component `index` with one reference that the caller owns. False when there is none.

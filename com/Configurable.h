@@ -19,6 +19,7 @@ public:
     // Valid while the component lives. [any thread]
     virtual const char* GetVendor() = 0;
 
+    // Whether About has something to show. [GTK thread]
     virtual bool HasAbout() = 0;
 
     // Shows the about box; only called while HasAbout says true. [GTK thread]

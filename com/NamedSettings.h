@@ -9,6 +9,7 @@
 // it makes afterwards, a target's settings for that target. [any thread] on components, [stream-thread] on targets
 class INamedSettings : public IUnknown {
 public:
+    // Settings that the other operations know: 0 to GetSettingCount() - 1.
     virtual int GetSettingCount() = 0;
 
     // Name of setting `n`, such as "quality"; null when there is none.

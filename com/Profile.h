@@ -14,6 +14,7 @@ public:
     // Never null; valid until the next set or the manager's end.
     virtual const char* GetVendor() = 0;
 
+    // As SetVendor and GetVendor.
     virtual bool SetProduct(const char* product, IStatus** status) = 0;
     virtual const char* GetProduct() = 0;
 

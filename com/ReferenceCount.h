@@ -8,12 +8,14 @@
 // Both operations return the count read after the change; another thread may have changed it since.
 class CReferenceCount {
 public:
+    // The count to begin with.
     explicit CReferenceCount(unsigned int initial) { sem_init(&m_semaphore, 0, initial); }
     ~CReferenceCount() { sem_destroy(&m_semaphore); }
 
     CReferenceCount(const CReferenceCount&) = delete;
     CReferenceCount& operator=(const CReferenceCount&) = delete;
 
+    // One more.
     unsigned int Increment() {
         sem_post(&m_semaphore);
         return Value();
@@ -26,6 +28,7 @@ public:
         return Value();
     }
 
+    // The count at this moment.
     unsigned int Value() {
         int value = 0;
         sem_getvalue(&m_semaphore, &value);

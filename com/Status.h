@@ -25,6 +25,7 @@ public:
     // Free text; empty, never null, for a status built from a code. Valid until the status is released.
     virtual const char* GetDescription() = 0;
 
+    // AE_NONE for a status built from an errno value or a text.
     virtual EAudioError GetAudioError() = 0;
 
     // An errno value, 0 when none.
@@ -37,6 +38,7 @@ protected:
 // Offered only by a status that has a category. [any thread]
 class IStatusCategory : public IUnknown {
 public:
+    // Never SC_NONE: a status without a category does not offer this interface.
     virtual EStatusCategory GetCategory() = 0;
 
 protected:

@@ -9,6 +9,7 @@
 // Starts with the one reference of its creator. [any thread] for the count; the fields are set before it is handed out.
 class KELO_EXPORT CStatus : public IStatus, public IStatusCategory {
 public:
+    // An error of the library or of a plug-in.
     explicit CStatus(EAudioError error);
 
     // An errno value.
@@ -32,6 +33,7 @@ public:
 
     virtual ~CStatus();
 
+    // SC_NONE takes the category back. Before the status is handed out.
     virtual void SetCategory(EStatusCategory category);
     EStatusCategory GetCategory() override;
 

@@ -120,6 +120,7 @@ public:
     // One entry of the table of auxiliary objects: one reference to an object under a key that is never dereferenced.
     class AUXOBJECT {
     public:
+        // Takes a reference of its own; so does each copy.
         AUXOBJECT(void* key, IUnknown* object);
         AUXOBJECT(const AUXOBJECT& other);
         AUXOBJECT& operator=(const AUXOBJECT& other);

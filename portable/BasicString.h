@@ -17,9 +17,11 @@ public:
     // A null `src` leaves the empty text.
     CBasicString(const T* src, int len = -1);
 
+    // Copies the text with its explicit length.
     CBasicString(const CBasicString& other);
     virtual ~CBasicString();
 
+    // Copies the text with its explicit length.
     CBasicString& operator=(const CBasicString& other);
 
     // Copies up to the terminator; a null `text` leaves the string as it was.
@@ -34,11 +36,13 @@ public:
     // Writable access to the `GetCapacity()` characters of the buffer; call `UpdateLength` after writing.
     T* GetBuffer() { return m_pBuffer; }
 
+    // Characters of the buffer, the terminator's among them.
     int GetCapacity() const { return m_nCapacity; }
 
     // Characters before the terminator, or the explicit length given at construction.
     int GetLength() const { return m_nLength; }
 
+    // Whether the length is 0.
     bool IsEmpty() const { return m_nLength == 0; }
 
     // Applies the growth rule for text of `len` characters, keeping the old buffer's content.

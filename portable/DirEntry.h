@@ -38,6 +38,7 @@ public:
     virtual ~CDirEntry();
 
 protected:
+    // The conditions of CPortableFile::FindFirst; all texts are copied.
     CDirEntry(const CPortableFile& directory, const char* entryMask, int skipAll, int requiredAttributes,
               int excludedAttributes, unsigned int matchFlags);
 
@@ -57,6 +58,7 @@ protected:
 
 // Closes a directory stream.
 struct SDirectoryCloser {
+    // For std::unique_ptr.
     void operator()(DIR* stream) const noexcept { closedir(stream); }
 };
 
@@ -64,6 +66,7 @@ struct SDirectoryCloser {
 // A directory that cannot be opened has none.
 class KELO_EXPORT CPosixDirEntry : public CDirEntry {
 public:
+    // Stands on the first entry that passes.
     CPosixDirEntry(const CPortableFile& directory, const char* entryMask, int skipAll, int requiredAttributes,
                    int excludedAttributes, unsigned int matchFlags);
     ~CPosixDirEntry() override;

@@ -66,9 +66,11 @@ public:
     virtual int OpenFile(CPortableFile::OpenMode mode);
     virtual int Status() const;
 
+    // The path and the mode that the object was made or opened with; the path is lent.
     const char* GetName() const;
     OpenMode GetAccessMode() const;
 
+    // 1 or 0 for the entry itself (lstat(2)): a link to nothing exists, a link to a directory is none.
     int FileExists() const;
     int IsLink() const;
     int IsDirectory() const;

@@ -10,6 +10,8 @@
 class KELO_EXPORT CPortableFileInfo {
 public:
     CPortableFileInfo();
+
+    // Copies every field.
     CPortableFileInfo(const CPortableFileInfo& other);
     CPortableFileInfo& operator=(const CPortableFileInfo& other);
     ~CPortableFileInfo();

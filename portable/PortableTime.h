@@ -17,15 +17,18 @@ extern KELO_EXPORT timeval starttime;
 // A signed difference of two times, in seconds.
 class KELO_EXPORT CPortableTimeSpan {
 public:
+    // Any number of seconds, negative ones too.
     CPortableTimeSpan(long seconds);
 
     // Computed in 32 bits, so a span beyond about 68 years wraps: part of the contract.
     CPortableTimeSpan(int days, int hours, int minutes, int seconds);
 
+    // The same difference.
     CPortableTimeSpan(const CPortableTimeSpan& other);
     CPortableTimeSpan& operator=(const CPortableTimeSpan& other);
     virtual ~CPortableTimeSpan();
 
+    // The whole difference.
     long GetTotalSeconds() const;
 
     // The seconds part, 0 to 59, in any time zone whose offset is whole minutes.
@@ -54,8 +57,10 @@ public:
 
     virtual ~CPortableTime();
 
+    // time(2).
     static CPortableTime GetCurrentTime();
 
+    // Seconds since 1970-01-01 00:00:00 UTC.
     long GetTime() const;
 
     // Lent by the object until its next conversion or its end.
@@ -75,12 +80,14 @@ public:
     tm* GetLocalTm(tm* out) const;
     tm* GetGmtTm(tm* out) const;
 
+    // Seconds since 1970-01-01 00:00:00 UTC.
     CPortableTime& operator=(long seconds);
     CPortableTime& operator=(const CPortableTime& other);
 
     // Drops the fraction of a second; a FILETIME before 1970 wraps to a very large count: part of the contract.
     CPortableTime& operator=(const FILETIME& fileTime);
 
+    // Compare the seconds.
     bool operator==(long seconds) const;
     bool operator==(const CPortableTime& other) const;
     bool operator!=(const CPortableTime& other) const;
@@ -88,6 +95,7 @@ public:
     bool operator>(const CPortableTime& other) const;
     bool operator<=(const CPortableTime& other) const;
 
+    // Arithmetic in seconds.
     CPortableTimeSpan operator-(const CPortableTime& other) const;
     CPortableTime operator+(const CPortableTimeSpan& span) const;
     CPortableTime operator-(const CPortableTimeSpan& span) const;

@@ -11,6 +11,7 @@ public:
     CPosixSingleLock(CPosixSyncObject* object, int lockNow);
     virtual ~CPosixSingleLock();
 
+    // Results are the object's; Unlock gives back one lock that was counted here.
     virtual int Lock(unsigned int timeoutMs);
     virtual int Unlock();
 

@@ -16,6 +16,7 @@ class KELO_EXPORT CPosixSyncObject {
 public:
     virtual ~CPosixSyncObject();
 
+    // Takes the lock, waiting at most that long; Unlock gives it back.
     virtual int Lock(unsigned int timeoutMs) = 0;
     virtual int Unlock() = 0;
 

@@ -8,6 +8,7 @@
 // Bytes in the order of their arrival. Allocates only while its peak grows. One object belongs to one thread.
 class CByteQueue {
 public:
+    // Bytes that wait.
     std::size_t Size() const { return m_nEnd - m_nBegin; }
 
     // Room for `bytes` more at the end; they count once they are committed.
@@ -24,6 +25,7 @@ public:
         return taken;
     }
 
+    // Drops what waits; the storage stays.
     void Clear() { m_nBegin = m_nEnd = 0; }
 
 private:

@@ -12,6 +12,7 @@
 template <typename... TMembers>
 class CCollection : public CComponent<IComponentEnum> {
 public:
+    // One for each of TMembers.
     int GetCount() final { return static_cast<int>(sizeof...(TMembers)); }
 
     bool GetComponent(int index, IAudioComponent** component) final {
@@ -22,6 +23,7 @@ public:
     }
 
 protected:
+    // A name that no list shows: only the members are registered.
     explicit CCollection(std::string name) : CComponent(std::move(name), ACT_COLLECTION) {}
     ~CCollection() = default;
 

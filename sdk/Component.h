@@ -54,6 +54,7 @@ public:
     }
 
 protected:
+    // The name that people see.
     CComponent(std::string name, EAudioComponentType type) : m_strName(std::move(name)), m_eType(type) {}
     ~CComponent() = default;
 
@@ -66,6 +67,7 @@ protected:
     // Between Begin and End, else null.
     IAudioPluginMgr* Manager() const { return m_pManager; }
 
+    // As given.
     const std::string& Name() const { return m_strName; }
 
 private:

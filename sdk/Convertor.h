@@ -13,8 +13,10 @@
 template <typename... TFaces>
 class CConvertorComponent : public CComponent<IConvertorFactory, IFeatureSupport, TFaces...> {
 public:
+    // Never called.
     void ReservedFirst() final {}
 
+    // False with the reason; `*convertor` is null then.
     bool CreateConvertor(const SWavFormat* from, const SWavFormat* to, IAudioConvertor** convertor,
                          IStatus** status) final {
         return Guarded(status, NoSubject(), [&] {
@@ -36,6 +38,7 @@ public:
     bool EnableSupport(EAudioFeature /*feature*/, bool /*enable*/) final { return false; }
 
 protected:
+    // The name that people see.
     explicit CConvertorComponent(std::string name)
         : CComponent<IConvertorFactory, IFeatureSupport, TFaces...>(std::move(name), ACT_CONVERTOR) {}
     ~CConvertorComponent() = default;

@@ -17,7 +17,10 @@
 template <typename... TFaces>
 class CDecoderComponent : public CExtensionComponent<IAudioFileOpener, TFaces...> {
 public:
+    // Every stream of the SDK can be wrapped.
     EAuxFlags GetAuxFlags() final { return AUX_CONVERT; }
+
+    // Enabled unless the author overrides it.
     unsigned int GetOpenerState() override { return kOpenerEnabled; }
 
     // The manager has matched the sets against GetAuxFlags: they change nothing here.

@@ -16,6 +16,7 @@
 class CDecoderStream final : public CStreamObject<IAudioRawReader, IAudioRawBlockInfo, ISeekable, IInfoReader,
                                                   IIndexArray, ISourceName, IAdvancedFormat> {
 public:
+    // The path is the source's name and the subject of refusals. Throws for a sound without a format.
     CDecoderStream(std::string path, std::unique_ptr<CSound> sound)
         : CStreamObject(std::move(path)),
           m_sound(std::move(sound)),

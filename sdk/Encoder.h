@@ -15,6 +15,7 @@
 template <typename... TFaces>
 class CEncoderComponent : public CExtensionComponent<IAudioTargetOpener, TFaces...>, protected CFileEncoding {
 public:
+    // Refuses extensions that the component does not list.
     bool OpenTarget(const char* path, const char* extension, IAudioTarget** target, IStatus** status) final {
         return Guarded(status, path != nullptr ? FileNameOf(path) : NoSubject(), [&] {
             if (path == nullptr || extension == nullptr || target == nullptr) throw CBadArgument();

@@ -13,6 +13,7 @@
 // [stream-thread]
 class CEncoderStream final : public CStreamObject<IAudioRawWriter> {
 public:
+    // `encoding` outlives the stream. Throws for a format without bytes.
     CEncoderStream(CFileEncoding& encoding, STargetRequest request, const SWavFormat& accepted)
         : CStreamObject(request.m_strPath),
           m_encoding(encoding),

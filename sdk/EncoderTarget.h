@@ -7,11 +7,13 @@
 #include "com/ComPtr.h"
 #include "sdk/CountedObject.h"
 #include "sdk/EncoderStream.h"
+#include "sdk/Utf8.h"
 
 // Made by CEncoderComponent. Tags and settings hold for the streams that are made afterwards. [stream-thread]
 class CEncoderTarget final : public CCountedObject<IAudioTarget, ITargetTags, INamedSettings>,
                              public IURLAudioTargetFactory {
 public:
+    // `encoding` outlives the target.
     CEncoderTarget(CFileEncoding& encoding, STargetRequest request)
         : m_encoding(encoding), m_request(std::move(request)), m_strFileName(FileNameOf(m_request.m_strPath)) {}
 
@@ -36,6 +38,8 @@ public:
         return Guarded(status, m_strFileName, [&] {
             if (text == nullptr || tag > TAG_GENRE) throw CBadArgument();
             if (!HasTag(tag)) Refuse("a ." + m_request.m_strExtension + " file has no place for this tag");
+            if (!IsUtf8(text)) Refuse("a tag that is not UTF-8");
+            m_encoding.CheckTag(m_request, tag, text);
             m_request.m_tags[tag] = text;
             return true;
         });

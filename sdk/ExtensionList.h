@@ -12,6 +12,7 @@
 template <typename... TFaces>
 class CExtensionComponent : public CComponent<IExtensionList, TFaces...> {
 public:
+    // Extensions that the component lists.
     int GetCount() final { return static_cast<int>(m_vExtensions.size()); }
 
     // Null when there is no extension `n`.
@@ -20,10 +21,12 @@ public:
     }
 
 protected:
+    // The name that people see; `extensions` are without the dot.
     CExtensionComponent(std::string name, EAudioComponentType type, std::vector<std::string> extensions)
         : CComponent<IExtensionList, TFaces...>(std::move(name), type), m_vExtensions(std::move(extensions)) {}
     ~CExtensionComponent() = default;
 
+    // As given.
     const std::vector<std::string>& Extensions() const { return m_vExtensions; }
 
 private:

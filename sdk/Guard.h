@@ -16,6 +16,7 @@
 // Ends an operation because an argument is null or a size is 0.
 class CBadArgument final : public std::exception {
 public:
+    // The status is AE_BAD_ARGUMENT, without words.
     const char* what() const noexcept override { return "bad argument"; }
 };
 

@@ -72,4 +72,6 @@ template <typename TInterface>
 void* FaceOf(TInterface* object) {
     return object;
 }
+
+// The first of an opener's two tables.
 inline void* FaceOf(IAudioFileOpener* object) { return static_cast<IAudioFileOpenerOperations*>(object); }

@@ -12,6 +12,7 @@ public:
     CLiveObject(const CLiveObject&) = delete;
     CLiveObject& operator=(const CLiveObject&) = delete;
 
+    // Whether the plug-in has to stay.
     static bool AnyAlive() { return s_nAlive != 0; }
 
 private:

@@ -13,6 +13,7 @@
 // Constant after construction. [any thread]
 class COutputAllowance {
 public:
+    // Both formats have frames of at least one byte and a positive rate.
     COutputAllowance(const SWavFormat& from, const SWavFormat& to)
         : m_nFromByteRate(ByteRateOf(from)), m_nToByteRate(ByteRateOf(to)), m_nFrameBytes(BlockSizeOf(to)) {}
 

@@ -8,6 +8,7 @@
 
 #include "sdk/Guard.h"
 
+// One setting and its value.
 struct SSetting {
     std::string m_strName;
     std::string m_strValues;  // "quick|high|very-high", or words such as "32 to 320 kbit/s"
@@ -18,8 +19,11 @@ struct SSetting {
 class CSettings {
 public:
     CSettings() = default;
+
+    // The settings with their defaults, in the order of listing.
     explicit CSettings(std::vector<SSetting> settings) : m_vSettings(std::move(settings)) {}
 
+    // Settings that At knows.
     int Count() const { return static_cast<int>(m_vSettings.size()); }
 
     // Null when there is no setting `n`.

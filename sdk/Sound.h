@@ -17,6 +17,7 @@ struct STags {
     std::string m_strYear;
     std::string m_strGenre;
 
+    // The field of one of ETag's values.
     std::string& operator[](ETag tag) {
         std::string* const fields[] = {&m_strTitle, &m_strArtist, &m_strAlbum, &m_strYear, &m_strGenre};
         return *fields[tag];

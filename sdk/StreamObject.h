@@ -17,6 +17,7 @@
 template <typename... TFaces>
 class CStreamObject : public CAggregatable, public IProcess, public TFaces... {
 public:
+    // The outer object's count, else the stream's own.
     unsigned int AddRef() final { return m_pOuter != nullptr ? m_pOuter->AddRef() : InnerAddRef(); }
     unsigned int Release() final { return m_pOuter != nullptr ? m_pOuter->Release() : InnerRelease(); }
 
@@ -60,16 +61,20 @@ public:
     bool IsInProcess() final { return m_bInProcess; }
 
 protected:
+    // The file, for names in refusals.
     explicit CStreamObject(std::string path) : CAggregatable(0), m_strPath(std::move(path)) {}
 
     // Whether the object has the interface although its class does.
     virtual bool Offers(unsigned long /*identity*/) const { return true; }
 
+    // The author's part of Start and of End; an exception is the reason against it.
     virtual void Begin() = 0;
     virtual void Finish() = 0;
 
+    // As given.
     const std::string& Path() const { return m_strPath; }
 
+    // Guarded, about this stream's file.
     template <typename TOperation>
     bool Guard(IStatus** status, TOperation operation) noexcept {
         return Guarded(status, m_strFileName, operation);

@@ -13,6 +13,7 @@
 template <typename... TFaces>
 class CURLHandlerComponent : public CComponent<IURLSourceHandler, TFaces...> {
 public:
+    // As given to the constructor.
     unsigned int GetProtocols() final { return m_nProtocols; }
 
     // The plug-in is not ready to finish meanwhile.

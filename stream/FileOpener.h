@@ -42,6 +42,7 @@ protected:
 // Implemented by decoder and encoder components; called by the manager and by hosts. [any thread]
 class IExtensionList : public IUnknown {
 public:
+    // Extensions that GetAt knows: 0 to GetCount() - 1.
     virtual int GetCount() = 0;
 
     // Extension `n` without the leading dot; valid while the component lives.

@@ -11,6 +11,7 @@
 // Texts are zero-terminated UTF-8 owned by the object, valid until the next call or the stream's end. [stream-thread]
 class IInfoReader : public IUnknown {
 public:
+    // Empty or null where the source has no such tag; the year is the date as the source has it.
     virtual const char* GetTitle() = 0;
     virtual const char* GetArtist() = 0;
     virtual const char* GetAlbum() = 0;
@@ -28,6 +29,7 @@ constexpr std::uint64_t kNoIndexPoint = ~static_cast<std::uint64_t>(0);
 // Implemented by decoder streams with an index and by CSrcConvAggregator; called by hosts. [stream-thread]
 class IIndexArray : public IUnknown {
 public:
+    // Index points that GetIndex knows.
     virtual int GetIndexNumber() = 0;
 
     // Position of index point `n` in sample frames, kNoIndexPoint when there is none.
@@ -60,6 +62,7 @@ protected:
 // Asked of a decoder's IAudioRawReader while advanced formats are enabled. [stream-thread]
 class IAdvancedFormat : public IUnknown {
 public:
+    // The format of the bytes that RawRead delivers, with its qualifier.
     virtual SAdvancedWavFormat GetAdvancedFormat() = 0;
 
 protected:

@@ -33,6 +33,7 @@ public:
     CSrcConvAggregator(const CSrcConvAggregator&) = delete;
     CSrcConvAggregator& operator=(const CSrcConvAggregator&) = delete;
 
+    // False: the decoder lacks an interface that every source needs, or refused.
     bool IsValid() const { return m_bValid; }
 
     unsigned int AddRef() override;

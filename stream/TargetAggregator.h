@@ -24,6 +24,7 @@ public:
     CTargetAggregator(const CTargetAggregator&) = delete;
     CTargetAggregator& operator=(const CTargetAggregator&) = delete;
 
+    // False: the encoder lacks an interface that every target needs, or refused.
     bool IsValid() const { return m_bValid; }
 
     unsigned int AddRef() override;
