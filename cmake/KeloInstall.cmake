@@ -58,6 +58,7 @@ install(FILES
   ${PROJECT_SOURCE_DIR}/cmake/plugin-exports.map
   DESTINATION ${KELO_INSTALL_PACKAGEDIR}
   COMPONENT development)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
 kelo_install_pkgconfig(keloaudiopluginmgr.pc)
 kelo_install_pkgconfig(keloaudiopluginmgr-plugin.pc)
 

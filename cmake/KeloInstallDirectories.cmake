@@ -1,5 +1,5 @@
 # The directories of an installation, relative to its prefix unless a CMAKE_INSTALL_* variable is absolute.
-set(CMAKE_INSTALL_DOCDIR share/doc/keloaudiopluginmgr CACHE PATH "Guides and examples")
+set(CMAKE_INSTALL_DOCDIR share/doc/keloaudiopluginmgr CACHE STRING "Guides and examples")
 include(GNUInstallDirs)
 
 set(KELO_INSTALL_INCLUDEDIR ${CMAKE_INSTALL_INCLUDEDIR}/keloaudiopluginmgr)
