@@ -46,6 +46,9 @@ public:
     // Whether the file format has a place for `tag`.
     virtual bool HasTag(const STargetRequest& /*request*/, ETag /*tag*/) { return false; }
 
+    // Throws for a text that the file format cannot hold. `text` is UTF-8.
+    virtual void CheckTag(const STargetRequest& /*request*/, ETag /*tag*/, const std::string& /*text*/) {}
+
     // The settings of the file format with their defaults.
     virtual std::vector<SSetting> GetSettings(const std::string& /*extension*/) { return {}; }
 
