@@ -1,35 +1,26 @@
-// What the decoder and the encoder share: vendor, about box and the manager for its parent window.
+// What the decoder and the encoder share: vendor and about box.
 #pragma once
 
 #include <sndfile.h>
 
-#include "com/Configurable.h"
 #include "plugins/shared/AboutBox.h"
 #include "plugins/shared/Gtk.h"
-#include "plugins/sndfile/Component.h"
 
-// [any thread], and HasAbout and About [GTK thread]
-template <typename... TFaces>
-class CCodecComponent : public CComponent<TFaces..., IComponentAbout> {
+// TComponent is a component of the SDK with IComponentAbout among its faces. [any thread], and HasAbout and About
+// [GTK thread]
+template <typename TComponent>
+class CCodecComponent : public TComponent {
 public:
-    bool Initialize(IAudioPluginMgr* manager, IStatus** /*status*/) override {
-        m_pManager = manager;
-        return true;
-    }
-    void Terminate() override { m_pManager = nullptr; }
-
-    const char* GetVendor() override { return kVendor; }
-    bool HasAbout() override { return CanShowDialogs(); }
-    void About() override {
-        ShowAboutBox(AppWindowOf(m_pManager), this->GetName(), AboutFormat(), sf_version_string());
+    const char* GetVendor() final { return kVendor; }
+    bool HasAbout() final { return CanShowDialogs(); }
+    void About() final {
+        ShowAboutBox(AppWindowOf(this->Manager()), this->GetName(), AboutFormat(), sf_version_string());
     }
 
 protected:
+    using TComponent::TComponent;
     ~CCodecComponent() = default;
 
     // What the component does, translated, with a "%s" for the codec library.
     virtual const char* AboutFormat() const = 0;
-
-private:
-    IAudioPluginMgr* m_pManager = nullptr;  // borrowed until Terminate
 };

@@ -3,39 +3,50 @@
 
 #include <libintl.h>
 
-#include "com/QueryTable.h"
-#include "plugins/sndfile/EncoderTarget.h"
 #include "plugins/sndfile/OutputFormat.h"
-#include "plugins/sndfile/Refusal.h"
+#include "plugins/sndfile/OutputSettings.h"
+#include "plugins/sndfile/SampleWriter.h"
 
-int CEncoder::QueryInterface(unsigned long identity, void** face) {
-    return AnswerQuery(*this, identity, face,
-                       {{IID_IUnknown, static_cast<IAudioComponent*>(this)},
-                        {IID_IExtensionList, static_cast<IExtensionList*>(this)},
-                        {IID_IAudioTargetOpener, static_cast<IAudioTargetOpener*>(this)},
-                        {IID_IComponentAbout, static_cast<IComponentAbout*>(this)}});
+namespace {
+
+// libsndfile reads RIFF texts into 2048 bytes.
+constexpr std::size_t kMostTagBytes = 2000;
+
+const SOutputFormat& OutputOf(const STargetRequest& request) { return OutputFormatOf(request.m_strExtension); }
+
+}  // namespace
+
+CEncoder::CEncoder() : CCodecComponent("libsndfile Encoder", WritableExtensions()) {}
+
+SWavFormat CEncoder::AcceptFormat(const STargetRequest& request, const SWavFormat& format) {
+    const SOutputFormat& output = OutputOf(request);
+    SWavFormat accepted = AcceptedFormat(output, format);
+    const bool floats = WantsFloat(request.m_settings);
+    if (floats) accepted.nBitsPerSample = 32;
+    RequireWritable(output, OutputInfo(output, accepted, floats));
+    CheckBitRate(output, request.m_settings, accepted);
+    return accepted;
 }
 
-int CEncoder::GetCount() { return OutputFormatCount(); }
-
-const char* CEncoder::GetAt(int n) {
-    const SOutputFormat* const output = OutputFormatAt(n);
-    return output != nullptr ? output->m_strExtension : nullptr;
+std::unique_ptr<CSoundWriter> CEncoder::CreateWriter(const STargetRequest& request, const SWavFormat& accepted) {
+    return std::make_unique<CSampleWriter>(OutputOf(request), request, accepted);
 }
 
-bool CEncoder::OpenTarget(const char* path, const char* extension, IAudioTarget** target, IStatus** status) {
-    return Guarded(status, [&] {
-        if (path == nullptr || extension == nullptr || target == nullptr) {
-            ReportStatus(status, AE_BAD_ARGUMENT);
-            return false;
-        }
-        const SOutputFormat* const output = FindOutputFormat(extension);
-        if (output == nullptr) {
-            return Refuse(status, path, std::string("no encoder for \".") + extension + "\"; it writes wav and flac");
-        }
-        *target = new CEncoderTarget(path, *output);
-        return true;
-    });
+bool CEncoder::HasTag(const STargetRequest& request, ETag tag) { return OutputOf(request).Has(tag); }
+
+void CEncoder::CheckTag(const STargetRequest& /*request*/, ETag /*tag*/, const std::string& text) {
+    if (text.size() > kMostTagBytes) {
+        Refuse("a tag of " + std::to_string(text.size()) + " bytes; there is room for " +
+               std::to_string(kMostTagBytes));
+    }
 }
 
-const char* CEncoder::AboutFormat() const { return dgettext(kTextDomain, "Writes WAV and FLAC files with %s."); }
+std::vector<SSetting> CEncoder::GetSettings(const std::string& extension) {
+    return SettingsOf(OutputFormatOf(extension));
+}
+
+void CEncoder::CheckSetting(const STargetRequest& request, const std::string& name, const std::string& value) {
+    CheckSettingValue(OutputOf(request), name, value);
+}
+
+const char* CEncoder::AboutFormat() const { return dgettext(kTextDomain, "Writes sound files with %s."); }

@@ -2,24 +2,19 @@
 #pragma once
 
 #include "plugins/sndfile/CodecComponent.h"
-#include "stream/AudioTargetOpener.h"
-#include "stream/FileOpener.h"
+#include "sdk/Encoder.h"
 
-// Writes WAV and FLAC files. [any thread]
-class CEncoder final : public CCodecComponent<IExtensionList, IAudioTargetOpener> {
+// Writes what OutputFormat.h lists and the installed libsndfile can. [any thread]
+class CEncoder final : public CCodecComponent<CEncoderComponent<IComponentAbout>> {
 public:
-    int QueryInterface(unsigned long identity, void** face) override;
-
-    const char* GetName() override { return "libsndfile Encoder"; }
-    EAudioComponentType GetType() override { return ACT_ENCODER; }
-
-    int GetCount() override;
-
-    // Null when there is no extension `n`.
-    const char* GetAt(int n) override;
-
-    bool OpenTarget(const char* path, const char* extension, IAudioTarget** target, IStatus** status) override;
+    CEncoder();
 
 private:
+    SWavFormat AcceptFormat(const STargetRequest& request, const SWavFormat& format) override;
+    std::unique_ptr<CSoundWriter> CreateWriter(const STargetRequest& request, const SWavFormat& accepted) override;
+    bool HasTag(const STargetRequest& request, ETag tag) override;
+    void CheckTag(const STargetRequest& request, ETag tag, const std::string& text) override;
+    std::vector<SSetting> GetSettings(const std::string& extension) override;
+    void CheckSetting(const STargetRequest& request, const std::string& name, const std::string& value) override;
     const char* AboutFormat() const override;
 };

@@ -80,7 +80,15 @@ void SurveyMpeg(CFileBytes& file, SFileSurvey& survey) {
     survey.m_nCounted = SamplesOf(*start, CountMpegFrames(file, *start, start->m_nAt).m_nFrames);
 }
 
+// RFC 7845, 5.1: byte 18 of the first packet is the family of the channels; those above 1 tell of no speakers. RFC
+// 3533, 6: the packet stands behind 27 bytes and one lacing value.
+bool HasSpeakers(CFileBytes& file) {
+    const std::string_view head = file.At(28, 19);
+    return head.size() < 19 || head.substr(0, 8) != "OpusHead" || head[18] == 0 || head[18] == 1;
+}
+
 void SurveyOgg(CFileBytes& file, SFileSurvey& survey) {
+    survey.m_bSpeakersKnown = HasSpeakers(file);
     const SOggEnd end = FindOggEnd(file);
     if (!end.m_bCutShort) return;
     survey.m_bEndMissing = true;

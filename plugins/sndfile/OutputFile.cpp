@@ -4,66 +4,62 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
-#include "plugins/sndfile/Refusal.h"
+#include "sdk/Guard.h"
 
-std::unique_ptr<COutputFile> COutputFile::Create(const std::string& path, const SF_INFO& info, std::string& reason) {
-    auto file = std::make_unique<COutputFile>(
-        CFileDescriptor(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666)));
-    if (!file->m_descriptor.IsOpen()) {
-        reason = SystemReason(errno);
-        return nullptr;
-    }
+namespace {
+
+// No header is longer: its tags are short.
+constexpr sf_count_t kMostHeaderBytes = 65536;
+
+}  // namespace
+
+COutputFile::COutputFile(const std::string& path, const std::string& lead, const SF_INFO& info)
+    : m_descriptor(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666)),
+      m_nLead(static_cast<sf_count_t>(lead.size())) {
+    if (!m_descriptor.IsOpen()) Refuse(SystemReason(errno));
     // Headers are completed at the end.
-    if (!file->m_descriptor.IsSeekable()) {
-        reason = errno == ESPIPE ? "a pipe is no file" : SystemReason(errno);
-        return nullptr;
-    }
+    if (!m_descriptor.IsSeekable()) Refuse(errno == ESPIPE ? "a pipe is no file" : SystemReason(errno));
+    WriteAt(lead.data(), m_nLead, 0);
     SF_VIRTUAL_IO operations = {Length, Seek, nullptr, Write, Tell};
     SF_INFO request = info;
-    file->m_handle.reset(sf_open_virtual(&operations, SFM_WRITE, &request, file.get()));
-    reason = file->m_handle == nullptr && file->m_nError == 0 ? sf_strerror(nullptr) : file->Reason();
-    return reason.empty() ? std::move(file) : nullptr;
+    m_handle.reset(sf_open_virtual(&operations, SFM_WRITE, &request, this));
+    const std::string reason = m_handle == nullptr && m_nError == 0 ? sf_strerror(nullptr) : Reason();
+    if (!reason.empty()) Refuse(reason);
 }
 
 std::string COutputFile::Reason() const {
     if (m_nError != 0) return SystemReason(m_nError);
+    if (m_nCodecError != SF_ERR_NO_ERROR) return sf_error_number(m_nCodecError);
     return m_handle != nullptr && sf_error(Handle()) != SF_ERR_NO_ERROR ? sf_strerror(Handle()) : "";
 }
 
-std::string COutputFile::Close() {
-    const std::string before = Reason();
-    const int codecError = sf_close(m_handle.release());
-    NoteError(m_descriptor.Close());
-    if (!before.empty() || m_nError != 0) return before.empty() ? Reason() : before;
-    return codecError == SF_ERR_NO_ERROR ? "" : sf_error_number(codecError);
+void COutputFile::CloseHandle() {
+    const int before = sf_error(Handle());
+    m_nCodecError = sf_close(m_handle.release());
+    if (before != SF_ERR_NO_ERROR) m_nCodecError = before;
+}
+
+std::uint64_t COutputFile::Size() const {
+    struct stat facts = {};
+    return ::fstat(m_descriptor.Get(), &facts) == 0 ? static_cast<std::uint64_t>(facts.st_size) : 0;
+}
+
+void COutputFile::ReplaceStart(const std::string& bytes) {
+    WriteAt(bytes.data(), static_cast<sf_count_t>(bytes.size()), 0);
 }
 
 void COutputFile::NoteError(int error) {
     if (m_nError == 0) m_nError = error;
 }
 
-sf_count_t COutputFile::Length(void* self) {
-    struct stat facts = {};
-    return ::fstat(static_cast<COutputFile*>(self)->m_descriptor.Get(), &facts) == 0 ? facts.st_size : -1;
-}
-
-sf_count_t COutputFile::Seek(sf_count_t offset, int whence, void* self) {
-    auto& file = *static_cast<COutputFile*>(self);
-    const sf_count_t position = ::lseek(file.m_descriptor.Get(), offset, whence);
-    if (position < 0) file.NoteError(errno);
-    return position;
-}
-
-sf_count_t COutputFile::Write(const void* data, sf_count_t count, void* self) {
-    auto& file = *static_cast<COutputFile*>(self);
-    const char* const bytes = static_cast<const char*>(data);
+sf_count_t COutputFile::WriteAt(const char* bytes, sf_count_t count, sf_count_t position) {
     sf_count_t written = 0;
     while (written < count) {
-        const ssize_t step =
-            ::write(file.m_descriptor.Get(), bytes + written, static_cast<std::size_t>(count - written));
+        const ssize_t step = ::pwrite(m_descriptor.Get(), bytes + written, static_cast<std::size_t>(count - written),
+                                      position + written);
         if (step < 0 && errno == EINTR) continue;
         if (step <= 0) {
-            file.NoteError(step < 0 ? errno : ENOSPC);
+            NoteError(step < 0 ? errno : ENOSPC);
             break;
         }
         written += step;
@@ -71,4 +67,25 @@ sf_count_t COutputFile::Write(const void* data, sf_count_t count, void* self) {
     return written;
 }
 
-sf_count_t COutputFile::Tell(void* self) { return Seek(0, SEEK_CUR, self); }
+sf_count_t COutputFile::Length(void* self) {
+    const auto& file = *static_cast<COutputFile*>(self);
+    return static_cast<sf_count_t>(file.Size()) - file.m_nLead;
+}
+
+sf_count_t COutputFile::Seek(sf_count_t offset, int whence, void* self) {
+    auto& file = *static_cast<COutputFile*>(self);
+    const sf_count_t base = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? file.m_nPosition : Length(self);
+    if (offset < -base || offset > SF_COUNT_MAX - base) return -1;
+    return file.m_nPosition = base + offset;
+}
+
+sf_count_t COutputFile::Write(const void* data, sf_count_t count, void* self) {
+    auto& file = *static_cast<COutputFile*>(self);
+    const auto* const bytes = static_cast<const char*>(data);
+    const sf_count_t written = file.WriteAt(bytes, count, file.m_nLead + file.m_nPosition);
+    if (file.m_nPosition == 0 && written <= kMostHeaderBytes) file.m_strHeader.assign(bytes, bytes + written);
+    file.m_nPosition += written;
+    return written;
+}
+
+sf_count_t COutputFile::Tell(void* self) { return static_cast<COutputFile*>(self)->m_nPosition; }

@@ -11,10 +11,8 @@
 // while it closes. [stream-thread]
 class COutputFile {
 public:
-    // Creates the file or empties it. Null on failure; `reason` then tells why.
-    static std::unique_ptr<COutputFile> Create(const std::string& path, const SF_INFO& info, std::string& reason);
-
-    explicit COutputFile(CFileDescriptor descriptor) : m_descriptor(std::move(descriptor)) {}
+    // Creates the file or empties it, and puts `lead` in front of what the codec writes. Throws the reason.
+    COutputFile(const std::string& path, const std::string& lead, const SF_INFO& info);
 
     COutputFile(const COutputFile&) = delete;
     COutputFile& operator=(const COutputFile&) = delete;
@@ -24,8 +22,16 @@ public:
     // What went wrong so far; empty when nothing did.
     std::string Reason() const;
 
-    // Completes and closes the file. Empty, or what went wrong with it from creation on.
-    std::string Close();
+    // Completes the file as far as the codec goes.
+    void CloseHandle();
+
+    // After CloseHandle: what the codec wrote last at the beginning, the size of the file, other bytes at its start.
+    const std::string& Header() const { return m_strHeader; }
+    std::uint64_t Size() const;
+    void ReplaceStart(const std::string& bytes);
+
+    // After CloseHandle.
+    void Close() { NoteError(m_descriptor.Close()); }
 
 private:
     static sf_count_t Length(void* self);
@@ -33,9 +39,14 @@ private:
     static sf_count_t Write(const void* data, sf_count_t count, void* self);
     static sf_count_t Tell(void* self);
 
+    sf_count_t WriteAt(const char* bytes, sf_count_t count, sf_count_t position);
     void NoteError(int error);
 
     CFileDescriptor m_descriptor;
+    sf_count_t m_nLead;
+    sf_count_t m_nPosition = 0;  // behind the lead
+    std::string m_strHeader;
     int m_nError = 0;
-    CSndFileHandle m_handle;  // closed first: closing writes
+    int m_nCodecError = SF_ERR_NO_ERROR;  // that closing the handle ended with
+    CSndFileHandle m_handle;              // closed first: closing writes
 };

@@ -1,19 +1,17 @@
-// The plug-in's two entry points.
-#include "plugins/sndfile/Collection.h"
-#include "plugins/sndfile/LiveObjects.h"
-#include "plugins/sndfile/Refusal.h"
-#include "portable/Export.h"
+// The plug-in: a decoder and an encoder on libsndfile.
+#include "sdk/Plugin.h"
 
-// Stores the primary component with one reference that the caller owns. [host set-up]
-extern "C" KELO_EXPORT bool KELO_PLUGIN_GetPrimaryAudioObject(IAudioComponent** component) {
-    return Guarded(nullptr, [&] {
-        if (component == nullptr) return false;
-        static CCollection collection;
-        collection.AddRef();
-        *component = &collection;
-        return true;
-    });
-}
+#include "plugins/sndfile/Decoder.h"
+#include "plugins/sndfile/Encoder.h"
+#include "sdk/Collection.h"
 
-// Whether no stream and no target of this plug-in is alive. [host set-up]
-extern "C" KELO_EXPORT bool KELO_PLUGIN_ReadyToFinish() { return !HasLiveObjects(); }
+namespace {
+
+class CSndFileCollection final : public CCollection<CDecoder, CEncoder> {
+public:
+    CSndFileCollection() : CCollection("libsndfile") {}
+};
+
+}  // namespace
+
+KELO_PLUGIN(CSndFileCollection);

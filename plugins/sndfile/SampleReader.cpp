@@ -1,38 +1,16 @@
-// Whole frames of a sound file as packed little-endian PCM.
+// An open sound file as packed little-endian PCM.
 #include "plugins/sndfile/SampleReader.h"
 
 #include <algorithm>
-#include <cmath>
-#include <cstdint>
+
+#include "plugins/sndfile/CuePoints.h"
+#include "plugins/sndfile/SamplePacking.h"
+#include "plugins/sndfile/Tags.h"
 
 namespace {
 
 // Samples per piece; a piece always holds at least one frame.
 constexpr sf_count_t kPieceSamples = 16384;
-
-// The upper `bytes` bytes of each sample, lowest first; 8-bit samples are unsigned in the output.
-void PackIntegers(const int* samples, std::size_t count, int bytes, unsigned char* out) {
-    const std::uint32_t flip = bytes == 1 ? 0x80000000u : 0u;
-    for (std::size_t i = 0; i < count; ++i) {
-        const std::uint32_t sample = static_cast<std::uint32_t>(samples[i]) ^ flip;
-        for (int byte = 4 - bytes; byte < 4; ++byte) *out++ = static_cast<unsigned char>(sample >> (8 * byte));
-    }
-}
-
-std::int16_t RoundedTo16(float sample) {
-    const float scaled = sample * 32768.0f;
-    if (scaled >= 32767.0f) return 32767;
-    if (scaled > -32768.0f) return static_cast<std::int16_t>(std::lrintf(scaled));
-    return static_cast<std::int16_t>(std::isnan(scaled) ? 0 : -32768);
-}
-
-void PackFloats(const float* samples, std::size_t count, unsigned char* out) {
-    for (std::size_t i = 0; i < count; ++i) {
-        const auto sample = static_cast<std::uint16_t>(RoundedTo16(samples[i]));
-        *out++ = static_cast<unsigned char>(sample);
-        *out++ = static_cast<unsigned char>(sample >> 8);
-    }
-}
 
 template <typename T>
 bool IsAligned(const unsigned char* buffer) {
@@ -44,9 +22,10 @@ sf_count_t KnownLength(const SF_INFO& info) { return info.frames > 0 && info.fra
 
 }  // namespace
 
-CSampleReader::CSampleReader(std::unique_ptr<CSoundFile> file)
+CSampleReader::CSampleReader(std::unique_ptr<CSoundFile> file, EAudioFeature level)
     : m_file(std::move(file)),
-      m_source(SourceFormatOf(m_file->Info())),
+      m_source(SourceFormatOf(m_file->Info(), level)),
+      m_order(m_file->ChannelOrder()),
       m_nLength(KnownLength(m_file->Info())),
       m_nPieceFrames(std::max<sf_count_t>(1, kPieceSamples / m_source.m_format.nChannels)) {
     const auto samples = static_cast<std::size_t>(m_nPieceFrames * m_source.m_format.nChannels);
@@ -57,23 +36,28 @@ CSampleReader::CSampleReader(std::unique_ptr<CSoundFile> file)
     }
 }
 
-sf_count_t CSampleReader::Read(unsigned char* buffer, sf_count_t frames) {
-    if (m_bDamaged) return kFailed;
+std::int32_t CSampleReader::GetFormatQualifier() const {
+    return m_source.m_eRoad == SR_FLOAT ? kFloatSamples : kIntegerSamples;
+}
+
+std::int64_t CSampleReader::Read(unsigned char* buffer, std::int64_t frames) {
+    if (m_bDamaged) RefuseDamage();
     // Beyond the last frame a codec may stumble over a tag at the end of the file.
     const sf_count_t wanted = m_nLength != 0 ? std::min(frames, m_nLength - m_nPosition) : frames;
     const sf_count_t count = ReadPieces(buffer, wanted);
     m_nPosition += count;
     if (count != 0) return count;
-    if (m_bDamaged) return kFailed;
+    if (m_bDamaged) RefuseDamage();
     m_nLength = m_nPosition;
-    return m_file->ShortfallAt(m_nPosition).empty() ? 0 : kFailed;
+    const std::string shortfall = m_file->ShortfallAt(m_nPosition);
+    if (!shortfall.empty()) Refuse(shortfall);
+    return 0;
 }
 
-std::string CSampleReader::Failure() const {
-    if (!m_bDamaged) return m_file->ShortfallAt(m_nPosition);
+void CSampleReader::RefuseDamage() const {
     const std::string& format = m_file->FormatName();
-    return "damaged " + (format.empty() ? "" : format + " ") + "audio after frame " + std::to_string(m_nPosition) +
-           ": " + m_strDamage;
+    Refuse("damaged " + (format.empty() ? "" : format + " ") + "audio after frame " + std::to_string(m_nPosition) +
+           ": " + m_strDamage);
 }
 
 // A piece in which the codec meets damage is dropped: it does not tell which of its frames are good.
@@ -99,14 +83,17 @@ void CSampleReader::NoteDamage(const char* reason) {
     m_strDamage = reason;
 }
 
-// The codec writes its own integers straight into the caller's buffer where they lie right for it.
+// The codec writes its own samples straight into the caller's buffer where they lie right for it.
 bool CSampleReader::ReadsDirectly(const unsigned char* buffer) const {
+    if (!m_order.MovesNothing()) return false;
+    if (m_source.m_eRoad == SR_FLOAT) return IsAligned<float>(buffer);
     if (m_source.m_eRoad != SR_INTEGER) return false;
     if (m_source.m_format.nBitsPerSample == 16) return IsAligned<short>(buffer);
     return m_source.m_format.nBitsPerSample == 32 && IsAligned<int>(buffer);
 }
 
 sf_count_t CSampleReader::ReadDirectly(unsigned char* buffer, sf_count_t frames) {
+    if (m_source.m_eRoad == SR_FLOAT) return sf_readf_float(m_file->Handle(), reinterpret_cast<float*>(buffer), frames);
     if (m_source.m_format.nBitsPerSample == 16) {
         return sf_readf_short(m_file->Handle(), reinterpret_cast<short*>(buffer), frames);
     }
@@ -119,33 +106,44 @@ sf_count_t CSampleReader::ReadPiece(unsigned char* out, sf_count_t frames) {
     };
     if (m_source.m_eRoad == SR_INTEGER) {
         const sf_count_t count = sf_readf_int(m_file->Handle(), m_vIntegers.data(), frames);
+        m_order.ToWave(m_vIntegers.data(), static_cast<std::size_t>(count));
         PackIntegers(m_vIntegers.data(), samplesOf(count), m_source.m_format.nBitsPerSample / 8, out);
         return count;
     }
     const sf_count_t count = sf_readf_float(m_file->Handle(), m_vFloats.data(), frames);
-    PackFloats(m_vFloats.data(), samplesOf(count), out);
+    m_order.ToWave(m_vFloats.data(), static_cast<std::size_t>(count));
+    const auto pack = m_source.m_eRoad == SR_FLOAT ? PackFloats : PackRounded;
+    pack(m_vFloats.data(), samplesOf(count), out);
     return count;
 }
 
-bool CSampleReader::Rewind() {
-    if (m_nPosition == 0 && !m_bDamaged) return true;
-    return m_file->IsSeekable() ? Seek(0) : Reopen();
+void CSampleReader::Rewind() {
+    if (m_nPosition == 0 && !m_bDamaged) return;
+    if (IsSeekable()) return Seek(0);
+    Reopen();
 }
 
-bool CSampleReader::Seek(sf_count_t position) {
-    if (!m_file->IsSeekable() || position < 0 || (m_nLength != 0 && position > m_nLength)) return false;
+void CSampleReader::Seek(std::uint64_t frame) {
+    const std::string refusal = "cannot seek to frame " + std::to_string(frame);
+    if (!IsSeekable() || frame > static_cast<std::uint64_t>(SF_COUNT_MAX)) Refuse(refusal);
     const sf_count_t before = m_nPosition;
-    if ((!m_bDamaged || Reopen()) && MoveTo(position)) return true;
-    // Some codecs are of no use after damage or a failed seek.
-    if (!Reopen() || !MoveTo(before)) NoteDamage(sf_strerror(m_file->Handle()));
-    return false;
+    if (m_bDamaged) Reopen();
+    if (MoveTo(static_cast<sf_count_t>(frame))) return;
+    // Some codecs are of no use after a failed seek.
+    Reopen();
+    if (!MoveTo(before)) NoteDamage(sf_strerror(m_file->Handle()));
+    Refuse(refusal);
 }
 
-bool CSampleReader::Reopen() {
-    if (!m_file->Reopen()) return false;
+void CSampleReader::Reopen() {
+    try {
+        m_file->Reopen();
+    } catch (const std::exception& reason) {
+        NoteDamage(reason.what());
+        throw;
+    }
     m_bDamaged = false;
     m_nPosition = 0;
-    return true;
 }
 
 bool CSampleReader::MoveTo(sf_count_t position) {
@@ -168,3 +166,7 @@ bool CSampleReader::SkipTo(sf_count_t position) {
     }
     return true;
 }
+
+STags CSampleReader::GetTags() const { return TagsOf(m_file->Handle()); }
+
+std::vector<std::uint64_t> CSampleReader::GetIndexPoints() const { return CuePointsOf(m_file->Handle()); }

@@ -1,61 +1,57 @@
-// Whole frames of a sound file as packed little-endian PCM.
+// An open sound file as packed little-endian PCM.
 #pragma once
 
-#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "plugins/sndfile/ChannelOrder.h"
 #include "plugins/sndfile/SoundFile.h"
 #include "plugins/sndfile/SourceFormat.h"
+#include "sdk/Sound.h"
 
-// Positions and lengths are sample frames. Reading allocates nothing. [stream-thread]
-class CSampleReader {
+// Channels come in the order of RIFF WAVE. After damage in the file the frames before it are still delivered, then
+// every read fails until a seek; so does every read at the end of a file that is cut short. Reading allocates nothing.
+// [stream-thread]
+class CSampleReader final : public CSound {
 public:
-    explicit CSampleReader(std::unique_ptr<CSoundFile> file);
+    CSampleReader(std::unique_ptr<CSoundFile> file, EAudioFeature level);
 
-    const SWavFormat& Format() const { return m_source.m_format; }
-    const CSoundFile& File() const { return *m_file; }
+    SWavFormat GetFormat() const override { return m_source.m_format; }
+    std::int32_t GetFormatQualifier() const override;
 
-    // Frames that the next read begins after.
-    sf_count_t Position() const { return m_nPosition; }
+    // An estimate of the codec is corrected once the end has been read.
+    std::uint64_t GetLength() const override { return static_cast<std::uint64_t>(m_nLength); }
 
-    // 0 when unknown. An estimate of the codec is corrected once the end has been read.
-    sf_count_t Length() const { return m_nLength; }
+    std::int64_t Read(unsigned char* buffer, std::int64_t frames) override;
 
-    // Frames stored in `buffer`, 0 at the end. After damage in the file the frames before it are still delivered,
-    // then every read gives kFailed until a seek; so does every read at the end of a file that is cut short.
-    sf_count_t Read(unsigned char* buffer, sf_count_t frames);
+    // After a failed seek the position is damaged where the codec does not find it again.
+    bool IsSeekable() const override { return m_file->IsSeekable(); }
+    void Seek(std::uint64_t frame) override;
+    void Rewind() override;
 
-    static constexpr sf_count_t kFailed = -1;
-
-    // Why the last read failed.
-    std::string Failure() const;
-
-    // To the first frame, in every file. Ends damage.
-    bool Rewind();
-
-    // In seekable files. Ends damage. False: the position is unchanged, or damaged where the codec does not find it
-    // again.
-    bool Seek(sf_count_t position);
+    STags GetTags() const override;
+    std::vector<std::uint64_t> GetIndexPoints() const override;
 
 private:
     sf_count_t ReadPieces(unsigned char* buffer, sf_count_t frames);
     sf_count_t ReadPiece(unsigned char* out, sf_count_t frames);
     bool ReadsDirectly(const unsigned char* buffer) const;
     sf_count_t ReadDirectly(unsigned char* buffer, sf_count_t frames);
+    [[noreturn]] void RefuseDamage() const;
     void NoteDamage(const char* reason);
-    bool Reopen();
+    void Reopen();
     bool MoveTo(sf_count_t position);
     bool SkipTo(sf_count_t position);
 
     std::unique_ptr<CSoundFile> m_file;
     SSourceFormat m_source;
+    CChannelOrder m_order;
     sf_count_t m_nPosition = 0;
-    sf_count_t m_nLength;
+    sf_count_t m_nLength;  // 0 when unknown
     sf_count_t m_nPieceFrames;
     std::vector<int> m_vIntegers;  // one piece of an SR_INTEGER source
-    std::vector<float> m_vFloats;  // one piece of an SR_FLOAT_TO_16 source
+    std::vector<float> m_vFloats;  // one piece of the others
     bool m_bDamaged = false;
     std::string m_strDamage;  // what the codec said
 };

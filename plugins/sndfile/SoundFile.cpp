@@ -6,7 +6,7 @@
 
 #include <cstring>
 
-#include "plugins/sndfile/Refusal.h"
+#include "sdk/Guard.h"
 
 namespace {
 
@@ -34,15 +34,14 @@ std::string FormatNameOf(int descriptor) {
     return {};
 }
 
-// What is wrong with the file before a codec looks at it; empty when nothing is.
-std::string ReasonAgainst(const CFileDescriptor& descriptor) {
+// Throws what is wrong with the file before a codec looks at it.
+void RequireFile(const CFileDescriptor& descriptor) {
     struct stat facts = {};
-    if (!descriptor.IsOpen() || ::fstat(descriptor.Get(), &facts) != 0) return SystemReason(errno);
-    if (S_ISDIR(facts.st_mode)) return SystemReason(EISDIR);
+    if (!descriptor.IsOpen() || ::fstat(descriptor.Get(), &facts) != 0) Refuse(SystemReason(errno));
+    if (S_ISDIR(facts.st_mode)) Refuse(SystemReason(EISDIR));
     // libsndfile 1.2.0 reads outside its memory when MPEG audio comes out of a pipe.
-    if (!descriptor.IsSeekable()) return "not readable as audio: a pipe is no file";
-    if (S_ISREG(facts.st_mode) && facts.st_size == 0) return "not readable as audio: the file is empty";
-    return {};
+    if (!descriptor.IsSeekable()) Refuse("not readable as audio: a pipe is no file");
+    if (S_ISREG(facts.st_mode) && facts.st_size == 0) Refuse("not readable as audio: the file is empty");
 }
 
 // Bytes of one sample in codings that have no frames of their own; 0 for the others.
@@ -69,25 +68,12 @@ int SampleBytesOf(int coding) {
 
 }  // namespace
 
-std::unique_ptr<CSoundFile> CSoundFile::Open(const char* path, std::string& reason) {
-    CFileDescriptor descriptor(::open(path, O_RDONLY | O_CLOEXEC));
-    reason = ReasonAgainst(descriptor);
-    if (!reason.empty()) return nullptr;
-
-    const std::string formatName = FormatNameOf(descriptor.Get());
-    auto file = std::make_unique<CSoundFile>(std::move(descriptor), formatName);
-    if (!file->OpenHandle()) {
-        // libsndfile keeps this error for the whole process: of two failures at once, one may show the other's reason.
-        const std::string& refusal = file->m_survey.m_strRefusal;
-        reason = "not readable as " + (formatName.empty() ? "" : formatName + " ") +
-                 "audio: " + (refusal.empty() ? sf_strerror(nullptr) : refusal);
-        return nullptr;
-    }
-    if (file->m_info.frames < file->m_survey.m_nCounted) {
-        reason = "not readable as MPEG audio: the codec would deliver " + std::to_string(file->m_info.frames) + " of " +
-                 std::to_string(file->m_survey.m_nCounted) + " frames";
-        return nullptr;
-    }
+std::unique_ptr<CSoundFile> CSoundFile::Open(const std::string& path) {
+    CFileDescriptor descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    RequireFile(descriptor);
+    std::string formatName = FormatNameOf(descriptor.Get());
+    auto file = std::make_unique<CSoundFile>(std::move(descriptor), std::move(formatName));
+    file->OpenHandle();
     file->Promise();
     return file;
 }
@@ -100,20 +86,34 @@ CSoundFile::CSoundFile(CFileDescriptor descriptor, std::string formatName)
 }
 
 // The codec gets no name: by some names it would take any bytes for headerless audio.
-bool CSoundFile::OpenHandle() {
+void CSoundFile::OpenHandle() {
     m_info = {};
     m_handle.reset(m_spliced != nullptr ? m_spliced->OpenHandle(m_info)
                                         : sf_open_fd(m_descriptor.Get(), SFM_READ, &m_info, SF_FALSE));
-    return m_handle != nullptr;
+    if (m_handle != nullptr) return;
+    // libsndfile keeps this error for the whole process: of two failures at once, one may show the other's reason.
+    const std::string reason = m_survey.m_strRefusal.empty() ? sf_strerror(nullptr) : m_survey.m_strRefusal;
+    Refuse("not readable as " + (m_strFormatName.empty() ? "" : m_strFormatName + " ") + "audio: " + reason);
 }
 
-bool CSoundFile::Reopen() {
+void CSoundFile::Reopen() {
     m_handle.reset();
-    return ::lseek(m_descriptor.Get(), 0, SEEK_SET) == 0 && OpenHandle();
+    if (::lseek(m_descriptor.Get(), 0, SEEK_SET) != 0) Refuse(SystemReason(errno));
+    OpenHandle();
 }
 
-// What the survey could not tell without the codec.
+CChannelOrder CSoundFile::ChannelOrder() const {
+    const int coding = m_info.format & SF_FORMAT_SUBMASK;
+    const bool vorbis = coding == SF_FORMAT_VORBIS || (coding == SF_FORMAT_OPUS && m_survey.m_bSpeakersKnown);
+    return vorbis ? CChannelOrder::OfVorbis(m_info.channels) : CChannelOrder::OfFile(Handle(), m_info.channels);
+}
+
+// What the survey could not tell without the codec. Throws where the codec would deliver less than was counted.
 void CSoundFile::Promise() {
+    if (m_info.frames < m_survey.m_nCounted) {
+        Refuse("not readable as MPEG audio: the codec would deliver " + std::to_string(m_info.frames) + " of " +
+               std::to_string(m_survey.m_nCounted) + " frames");
+    }
     const int container = m_info.format & SF_FORMAT_TYPEMASK;
     const bool counted = container == SF_FORMAT_FLAC || (container == SF_FORMAT_MPEG && m_survey.m_splice);
     if (counted && m_survey.m_nPromised == 0 && m_info.frames < SF_COUNT_MAX) m_survey.m_nPromised = m_info.frames;

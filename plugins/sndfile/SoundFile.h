@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "plugins/sndfile/ChannelOrder.h"
 #include "plugins/sndfile/FileDescriptor.h"
 #include "plugins/sndfile/FileSurvey.h"
 #include "plugins/sndfile/SndFileHandle.h"
@@ -11,21 +12,23 @@
 // Owns the file and the codec's handle. [stream-thread]
 class CSoundFile {
 public:
-    // Null when the file cannot be opened or read as audio; `reason` then tells why. [any thread]
-    static std::unique_ptr<CSoundFile> Open(const char* path, std::string& reason);
+    // Throws the reason when the file cannot be opened or read as audio. [any thread]
+    static std::unique_ptr<CSoundFile> Open(const std::string& path);
 
     CSoundFile(CFileDescriptor descriptor, std::string formatName);
 
     CSoundFile(const CSoundFile&) = delete;
     CSoundFile& operator=(const CSoundFile&) = delete;
 
-    // A new codec handle at the first frame of the same file. False leaves no usable handle.
-    bool Reopen();
+    // A new codec handle at the first frame of the same file. Throws the reason when there is none any more.
+    void Reopen();
 
     SNDFILE* Handle() const { return m_handle.get(); }
     const SF_INFO& Info() const { return m_info; }
     // Whether the codec can go to any frame; every file can be reopened.
     bool IsSeekable() const { return m_info.seekable != 0; }
+
+    CChannelOrder ChannelOrder() const;
 
     // Such as "FLAC"; empty when the file's first bytes do not tell.
     const std::string& FormatName() const { return m_strFormatName; }
@@ -34,7 +37,7 @@ public:
     std::string ShortfallAt(sf_count_t frames) const;
 
 private:
-    bool OpenHandle();
+    void OpenHandle();
     void Promise();
 
     CFileDescriptor m_descriptor;

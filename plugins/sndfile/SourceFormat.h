@@ -3,14 +3,17 @@
 
 #include <sndfile.h>
 
+#include <string>
 #include <vector>
 
+#include "com/FeatureSupport.h"
 #include "stream/WavFormat.h"
 
 // How the samples of a file are fetched.
 enum ESampleRoad {
-    SR_INTEGER,     // lossless, at the file's own width
-    SR_FLOAT_TO_16  // float and lossy sources, rounded to 16 bits
+    SR_INTEGER,      // at the decoder's own width
+    SR_FLOAT_TO_16,  // rounded to 16 bits
+    SR_FLOAT
 };
 
 struct SSourceFormat {
@@ -18,7 +21,8 @@ struct SSourceFormat {
     ESampleRoad m_eRoad;
 };
 
-SSourceFormat SourceFormatOf(const SF_INFO& info);
+// Float samples, and those of Vorbis, Opus and MPEG audio, stay float at AF_ADVANCED_FORMATS alone.
+SSourceFormat SourceFormatOf(const SF_INFO& info, EAudioFeature level);
 
 // Extensions without the dot of the formats that the installed libsndfile knows.
-std::vector<const char*> ReadableExtensions();
+std::vector<std::string> ReadableExtensions();

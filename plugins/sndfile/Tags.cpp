@@ -1,36 +1,21 @@
 // Descriptive tags of a sound file.
 #include "plugins/sndfile/Tags.h"
 
-#include <cstddef>
+#include "sdk/Guard.h"
+#include "sdk/Utf8.h"
 
 namespace {
 
-// Bytes of the UTF-8 sequence at `at` (RFC 3629), 0 when there is none.
-std::size_t SequenceLength(const std::string& text, std::size_t at) {
-    const auto byte = [&text](std::size_t i) -> unsigned {
-        return i < text.size() ? static_cast<unsigned char>(text[i]) : 0u;
-    };
-    const auto follows = [&byte](std::size_t i, unsigned low, unsigned high) {
-        return byte(i) >= low && byte(i) <= high;
-    };
-    const unsigned first = byte(at);
-    if (first < 0x80) return 1;
-    if (first >= 0xC2 && first <= 0xDF) return follows(at + 1, 0x80, 0xBF) ? 2 : 0;
-    const unsigned low = first == 0xE0 ? 0xA0 : first == 0xF0 ? 0x90 : 0x80;
-    const unsigned high = first == 0xED ? 0x9F : first == 0xF4 ? 0x8F : 0xBF;
-    if (first < 0xE0 || first > 0xF4 || !follows(at + 1, low, high) || !follows(at + 2, 0x80, 0xBF)) return 0;
-    if (first < 0xF0) return 3;
-    return follows(at + 3, 0x80, 0xBF) ? 4 : 0;
-}
+struct STagKind {
+    ETag m_eTag;
+    int m_nKind;
+};
 
-bool IsUtf8(const std::string& text) {
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t length = SequenceLength(text, at);
-        if (length == 0) return false;
-        at += length;
-    }
-    return true;
-}
+constexpr STagKind kKinds[] = {{TAG_TITLE, SF_STR_TITLE},
+                               {TAG_ARTIST, SF_STR_ARTIST},
+                               {TAG_ALBUM, SF_STR_ALBUM},
+                               {TAG_YEAR, SF_STR_DATE},
+                               {TAG_GENRE, SF_STR_GENRE}};
 
 std::string FromLatin1(const std::string& text) {
     std::string utf8;
@@ -56,6 +41,16 @@ std::string TagOf(SNDFILE* file, int kind) {
 }  // namespace
 
 STags TagsOf(SNDFILE* file) {
-    return STags{TagOf(file, SF_STR_TITLE), TagOf(file, SF_STR_ARTIST), TagOf(file, SF_STR_ALBUM),
-                 TagOf(file, SF_STR_DATE), TagOf(file, SF_STR_GENRE)};
+    STags tags;
+    for (const STagKind& kind : kKinds) tags[kind.m_eTag] = TagOf(file, kind.m_nKind);
+    return tags;
+}
+
+void SetTags(SNDFILE* file, STags tags) {
+    for (const STagKind& kind : kKinds) {
+        const std::string& text = tags[kind.m_eTag];
+        if (!text.empty() && sf_set_string(file, kind.m_nKind, text.c_str()) != SF_ERR_NO_ERROR) {
+            Refuse(sf_strerror(file));
+        }
+    }
 }

@@ -3,15 +3,10 @@
 
 #include <sndfile.h>
 
-#include <string>
+#include "sdk/Sound.h"
 
-// UTF-8; empty where the file has no such tag.
-struct STags {
-    std::string m_strTitle;
-    std::string m_strArtist;
-    std::string m_strAlbum;
-    std::string m_strYear;  // the date as the file has it
-    std::string m_strGenre;
-};
-
+// The year is the date as the file has it.
 STags TagsOf(SNDFILE* file);
+
+// In a file that is being written and has no frame yet.
+void SetTags(SNDFILE* file, STags tags);

@@ -15,7 +15,7 @@ struct SComponent {
 
 constexpr SComponent kComponents[] = {
     {"libsndfile Decoder", "Reads sound files with libsndfile-1."},
-    {"libsndfile Encoder", "Writes WAV and FLAC files with libsndfile-1."},
+    {"libsndfile Encoder", "Writes sound files with libsndfile-1."},
     {"SoX Resampler Convertor", "Converts sample rates, sample sizes and channels with libsoxr-0."},
 };
 

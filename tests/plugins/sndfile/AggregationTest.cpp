@@ -98,11 +98,11 @@ TEST(SndfileAggregation, QueryInterfaceKeepsTheRulesWithAndWithoutAnOuterObject)
         const unsigned int count = CountOf(stream);
         EXPECT_EQ(aggregatable->InnerQueryInterface(IID_IProcess, nullptr), 3);
         void* face = stream;
-        EXPECT_EQ(stream->QueryInterface(IID_IAdvancedFormat, &face), 2);
+        EXPECT_EQ(stream->QueryInterface(IID_IConvertorFactory, &face), 2);
         EXPECT_EQ(face, nullptr);
         for (const unsigned long identity :
              {IID_IUnknown, IID_IAggregatable, IID_IProcess, IID_IAudioRawReader, IID_IAudioRawBlockInfo, IID_ISeekable,
-              IID_IInfoReader, IID_IIndexArray, IID_ISourceName}) {
+              IID_IInfoReader, IID_IIndexArray, IID_ISourceName, IID_IAdvancedFormat}) {
             ASSERT_EQ(stream->QueryInterface(identity, &face), 0) << identity;
             EXPECT_EQ(CountOf(stream), count + 1) << identity;
             EXPECT_EQ(static_cast<IUnknown*>(face)->Release(), count) << identity;

@@ -48,8 +48,9 @@ private:
 }  // namespace
 
 TEST(SndfileEncoderRefusals, TellAnExtensionThatIsNotWritten) {
-    EXPECT_EQ(SinkRefusal("/nowhere/song.mp3", "mp3", kStereo),
-              "song.mp3: no encoder for \".mp3\"; it writes wav and flac");
+    EXPECT_EQ(SinkRefusal("/nowhere/song.wma", "wma", kStereo),
+              "song.wma: no encoder for \".wma\"; it writes wav, rf64, w64, aiff, aif, caf, au, flac, ogg, oga, opus, "
+              "mp3");
 }
 
 TEST(SndfileEncoderRefusals, TellNullArguments) {
@@ -117,11 +118,13 @@ TEST(SndfileEncoderRefusals, OfStartTellAPipe) {
 }
 
 TEST(SndfileEncoderRefusals, OfStartTellAFullDevice) {
-    EXPECT_EQ(StartRefusal("/dev/full"), "full: cannot be written: No space left on device");
+    for (const char* const extension : {"wav", "rf64", "w64", "aiff", "caf", "au", "flac"}) {
+        EXPECT_EQ(StartRefusal("/dev/full", extension), "full: cannot be written: No space left on device");
+    }
 }
 
-TEST(SndfileEncoderRefusals, OfAFlacFileTellAFullDeviceAtTheFirstWrite) {
-    SSink sink("/dev/full", "flac", kStereo);
+TEST(SndfileEncoderRefusals, OfAnOggFileTellAFullDeviceAtTheFirstWrite) {
+    SSink sink("/dev/full", "ogg", kStereo);
     ASSERT_TRUE(sink.m_process->Start(nullptr));
     EXPECT_EQ(ReasonOf([&](IStatus** status) { return sink.Write(RandomBytes(400000), status); }),
               "full: cannot be written: No space left on device");
@@ -197,9 +200,9 @@ TEST(SndfileEncoderRefusals, OfEndTellWhatFailedWhileClosing) {
     EXPECT_FALSE(sink.m_process->IsInProcess());
 }
 
-TEST(SndfileEncoderRefusals, OfAWavFileAboveFourGiBComeBeforeItIsSpoilt) {
+TEST(SndfileEncoderRefusals, OfAnAiffFileAboveFourGiBComeBeforeItIsSpoilt) {
     // The null device takes the bytes for nothing.
-    SSink sink("/dev/null", "wav", kStereo);
+    SSink sink("/dev/null", "aiff", kStereo);
     ASSERT_TRUE(sink.m_process->Start(nullptr));
     std::vector<unsigned char> block(1 << 26);
     EAudioRawState state = ARS_MORE;
@@ -208,7 +211,7 @@ TEST(SndfileEncoderRefusals, OfAWavFileAboveFourGiBComeBeforeItIsSpoilt) {
     };
     for (int i = 0; i < 63; ++i) ASSERT_TRUE(write(1 << 26, nullptr)) << i;
     EXPECT_EQ(ReasonOf([&](IStatus** status) { return write(1 << 26, status); }),
-              "null: a WAV file holds at most 4 GiB; try FLAC");
-    EXPECT_TRUE(write((1 << 26) - 4096, nullptr));
-    EXPECT_FALSE(write(4096, nullptr));
+              "null: an AIFF file holds at most 4 GiB; try CAF");
+    EXPECT_TRUE(write((1 << 26) - 131072, nullptr));
+    EXPECT_FALSE(write(131072, nullptr));
 }

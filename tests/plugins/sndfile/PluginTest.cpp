@@ -127,13 +127,16 @@ TEST(SndfileDecoder, OpenerLiesInTwoFacesSideBySide) {
 }
 
 TEST(SndfileDecoder, ListsTheExtensionsThatTheLibraryReads) {
-    const std::vector<std::string> expected = {"wav", "wave", "aif",  "aiff", "aifc", "au",   "snd",
-                                               "caf", "w64",  "flac", "ogg",  "oga",  "opus", "mp3"};
+    const std::vector<std::string> expected = {
+        "wav", "wave", "bwf",  "amb", "rf64", "w64", "aif", "aiff", "aifc", "caf",   "au",  "snd",  "flac",
+        "ogg", "oga",  "opus", "mp3", "mp2",  "mp1", "mpa", "voc",  "sf",   "ircam", "sph", "nist", "iff",
+        "svx", "8svx", "16sv", "paf", "fap",  "avr", "htk", "mat",  "pvf",  "sds",   "wve", "xi"};
     EXPECT_EQ(ExtensionsOf(0), expected);
 }
 
-TEST(SndfileEncoder, ListsWavAndFlac) {
-    const std::vector<std::string> expected = {"wav", "flac"};
+TEST(SndfileEncoder, ListsTheExtensionsThatTheLibraryWrites) {
+    const std::vector<std::string> expected = {"wav", "rf64", "w64", "aiff", "aif",  "caf",
+                                               "au",  "flac", "ogg", "oga",  "opus", "mp3"};
     EXPECT_EQ(ExtensionsOf(1), expected);
 }
 
