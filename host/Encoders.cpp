@@ -25,8 +25,8 @@ std::string ExtensionOf(const std::string& path) {
     return extension.empty() ? extension : extension.substr(1);
 }
 
-CComPtr<IAudioTargetOpener> FindEncoder(const CPluginSession& session, const std::string& output) {
-    const std::string wanted = ExtensionOf(output);
+CComPtr<IAudioTargetOpener> FindEncoder(const CPluginSession& session, const std::string& output,
+                                        const std::string& wanted) {
     std::vector<std::string> known;
     for (const CComPtr<IAudioComponent>& component : session.GetComponents()) {
         if (component->GetType() != ACT_ENCODER) continue;
@@ -38,6 +38,5 @@ CComPtr<IAudioTargetOpener> FindEncoder(const CPluginSession& session, const std
     }
     const std::string reason =
         wanted.empty() ? "no extension to choose an encoder by" : "no encoder lists \"." + wanted + "\"";
-    throw CFailure(output,
-                   reason + " (listed: " + JoinNames(known) + "; plug-ins from " + session.GetDirectory() + ")");
+    throw CFailure(output, reason, " (listed: " + JoinNames(known) + "; plug-ins from " + session.GetDirectory() + ")");
 }

@@ -10,6 +10,7 @@
 // The extension of `path` without its dot; empty when there is none.
 std::string ExtensionOf(const std::string& path);
 
-// The first encoder in registry order that lists the extension of `output`, in any case of letters.
-// Throws CFailure when there is none.
-CComPtr<IAudioTargetOpener> FindEncoder(const CPluginSession& session, const std::string& output);
+// The first encoder in registry order that lists `extension`, in any case of letters. Throws CFailure about `output`
+// when there is none. [any thread]
+CComPtr<IAudioTargetOpener> FindEncoder(const CPluginSession& session, const std::string& output,
+                                        const std::string& extension);

@@ -58,6 +58,8 @@ std::string StatusText(IStatus* status, const std::string& otherwise, const std:
 }
 
 void ReportFailure(const char* subject, const char* reason) noexcept {
+    // Threads report at the same time, each line in one piece.
+    flockfile(stderr);
     std::fputs("keloaudio: ", stderr);
     if (subject != nullptr) {
         PutPrintable(subject);
@@ -65,4 +67,5 @@ void ReportFailure(const char* subject, const char* reason) noexcept {
     }
     PutPrintable(reason);
     std::fputc('\n', stderr);
+    funlockfile(stderr);
 }

@@ -10,10 +10,13 @@
 
 #include "com/ComponentEnum.h"
 #include "com/ComponentOrder.h"
+#include "com/FeatureSupport.h"
 #include "com/InterfaceIds.h"
+#include "com/NamedSettings.h"
 #include "host/Failure.h"
 #include "host/FailureText.h"
 #include "host/PluginCall.h"
+#include "host/PluginTrust.h"
 #include "pluginmgr/GetAudioPluginMgr.h"
 #include "stream/FileOpener.h"
 
@@ -40,9 +43,9 @@ void RequireShortPath(const std::string& directory) {
     if (directory.size() + 1 + NAME_MAX >= PATH_MAX) throw CFailure(directory, SystemErrorText(ENAMETOOLONG));
 }
 
-bool IsAskedForConversion(IAudioComponent& component) {
+bool IsAsked(IAudioComponent& component) {
     const auto opener = CComPtr<IAudioFileOpener>::Query(&component, IID_IAudioFileOpener);
-    return opener && (opener->GetOpenerState() & kOpenerEnabled) != 0 && (opener->GetAuxFlags() & AUX_CONVERT) != 0 &&
+    return opener && (opener->GetOpenerState() & kOpenerEnabled) != 0 &&
            CComPtr<IExtensionList>::Query(&component, IID_IExtensionList);
 }
 
@@ -52,17 +55,28 @@ CPluginSession::CPluginSession(const SPluginOptions& options)
     : m_strDirectory(std::filesystem::absolute(ChosenPluginDirectory(options)).string()) {
     m_vCandidates = ListCandidates(m_strDirectory);
     RequireShortPath(m_strDirectory);
+    if (!options.m_bTrusted) RequireTrustedPlugins(m_strDirectory, m_strDirectory == DefaultPluginDirectory());
     if (GetAudioPluginMgr(m_pManager.Out()) != 1) throw CFailure(m_strDirectory, "no plug-in manager");
     m_pManager->SetPluginDirectory(m_strDirectory.c_str());
     try {
-        CallPlugins(m_strDirectory, [this] {
-            m_pManager->LoadPlugins();
-            RequireComponents();
-        });
+        CallPlugins(m_strDirectory, [this] { Load(); });
     } catch (const CFailure&) {
         Unload();
         throw;
     }
+}
+
+void CPluginSession::Load() {
+    m_pManager->LoadPlugins();
+    RequireComponents();
+    m_convertorWatch = std::make_unique<CConvertorWatch>(*m_pManager);
+    EnableFeatures();
+}
+
+// Where the convertor does not take float samples, decoders deliver integers as ever.
+void CPluginSession::EnableFeatures() const {
+    const auto features = CComPtr<IFeatureSupport>::Query(m_pManager.Get(), IID_IFeatureSupport);
+    if (features && features->EnableSupport(AF_BASIC, true)) features->EnableSupport(AF_ADVANCED_FORMATS, true);
 }
 
 CPluginSession::~CPluginSession() { Unload(); }
@@ -77,18 +91,45 @@ std::vector<CComPtr<IAudioComponent>> CPluginSession::GetComponents() const {
     return components;
 }
 
-std::string CPluginSession::GetDecoderNames() const {
+std::vector<CComPtr<IAudioComponent>> CPluginSession::GetDecoders() const {
     const auto order = CComPtr<IComponentOrderMgr>::Query(m_pManager.Get(), IID_IComponentOrderMgr);
-    CComPtr<IComponentEnum> decoders;
-    std::vector<std::string> names;
-    if (!order || !order->Get(ACT_DECODER, decoders.Out())) return JoinNames(names);
-    for (int i = 0; i < decoders->GetCount(); ++i) {
+    CComPtr<IComponentEnum> listed;
+    std::vector<CComPtr<IAudioComponent>> decoders;
+    if (!order || !order->Get(ACT_DECODER, listed.Out())) return decoders;
+    for (int i = 0; i < listed->GetCount(); ++i) {
         CComPtr<IAudioComponent> decoder;
-        if (decoders->GetComponent(i, decoder.Out()) && IsAskedForConversion(*decoder)) {
-            names.push_back(NameOf(*decoder));
-        }
+        if (listed->GetComponent(i, decoder.Out()) && IsAsked(*decoder)) decoders.push_back(decoder);
     }
+    return decoders;
+}
+
+std::string CPluginSession::GetDecoderNames() const {
+    std::vector<std::string> names;
+    for (const CComPtr<IAudioComponent>& decoder : GetDecoders()) names.push_back(NameOf(*decoder));
     return JoinNames(names);
+}
+
+std::vector<std::string> CPluginSession::GetDecoderExtensions() const {
+    std::vector<std::string> all;
+    for (const CComPtr<IAudioComponent>& decoder : GetDecoders()) {
+        const std::vector<std::string> extensions = ExtensionsOf(*decoder);
+        all.insert(all.end(), extensions.begin(), extensions.end());
+    }
+    return all;
+}
+
+void CPluginSession::SetConvertorSetting(const std::string& name, const std::string& value) const {
+    const std::string option = "--" + name + " " + value;
+    CallPlugins(option, [&] {
+        const auto settings = CComPtr<INamedSettings>::Query(m_convertorWatch->GetFactory(), IID_INamedSettings);
+        if (!settings || settings->GetSetting(name.c_str()) == nullptr) {
+            throw CFailure(option, "no plug-in's convertor has this setting",
+                           " (plug-ins from " + m_strDirectory + ")");
+        }
+        CComPtr<IStatus> status;
+        if (settings->SetSetting(name.c_str(), value.c_str(), status.Out())) return;
+        throw CFailure(option, StatusText(status.Get(), "the convertor does not take it", ""));
+    });
 }
 
 void CPluginSession::RequireComponents() {
@@ -98,6 +139,7 @@ void CPluginSession::RequireComponents() {
 
 void CPluginSession::Unload() {
     try {
+        m_convertorWatch.reset();
         // A plug-in that is not ready stays until the process ends.
         m_pManager->UnloadPlugins();
     } catch (...) {

@@ -1,20 +1,24 @@
 // The manager with its plug-ins loaded.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "com/AudioComponent.h"
 #include "com/ComPtr.h"
+#include "host/ConvertorWatch.h"
 #include "host/PluginOptions.h"
 #include "stream/AudioPluginMgrInterface.h"
 
-// Loads in the constructor; the destructor unloads and gives the manager back. Streams and components taken from the
-// session are released before it ends, and exceptions of plug-ins are handled before that too: CallPlugins does so.
-// [host set-up]
+// Loads in the constructor, with advanced formats where the plug-ins' convertor knows them; the destructor unloads and
+// gives the manager back. Streams and components taken from the session are released before it ends, and exceptions of
+// plug-ins are handled before that too: CallPlugins does so.
+// [host set-up] for its beginning and end and for settings, [any thread] in between
 class CPluginSession {
 public:
-    // Throws CFailure for a directory that cannot be read or yields no component, and when a plug-in throws.
+    // Throws CFailure for a directory that cannot be read, that others may write to or that yields no component, and
+    // when a plug-in throws.
     explicit CPluginSession(const SPluginOptions& options);
     ~CPluginSession();
 
@@ -29,16 +33,26 @@ public:
     // The registered components in registry order.
     std::vector<CComPtr<IAudioComponent>> GetComponents() const;
 
-    // The names of the decoders that an open request for a converting source asks, separated by ", ".
+    // The names of the decoders that an open request asks, separated by ", ".
     std::string GetDecoderNames() const;
 
+    // The extensions that these decoders list, without the dot.
+    std::vector<std::string> GetDecoderExtensions() const;
+
+    // Changes a setting of the convertors that are made afterwards; throws CFailure about the option when it cannot.
+    void SetConvertorSetting(const std::string& name, const std::string& value) const;
+
 private:
+    std::vector<CComPtr<IAudioComponent>> GetDecoders() const;
+    void Load();
     void RequireComponents();
+    void EnableFeatures() const;
     void Unload();
 
     std::string m_strDirectory;
     std::vector<std::string> m_vCandidates;
     CComPtr<IAudioPluginMgr> m_pManager;
+    std::unique_ptr<CConvertorWatch> m_convertorWatch;
 };
 
 // The component's name; "(no name)" when it tells none.

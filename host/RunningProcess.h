@@ -7,11 +7,12 @@
 // Ends a started stream when the way out is an exception. One thread. [stream-thread]
 class CRunningProcess {
 public:
+    CRunningProcess() = default;
     explicit CRunningProcess(CComPtr<IProcess> process);
     ~CRunningProcess();
 
-    CRunningProcess(const CRunningProcess&) = delete;
-    CRunningProcess& operator=(const CRunningProcess&) = delete;
+    CRunningProcess(CRunningProcess&& other) noexcept;
+    CRunningProcess& operator=(CRunningProcess&& other) noexcept;
 
     bool Start(IStatus** status);
 

@@ -3,28 +3,54 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "com/ComPtr.h"
 #include "host/PluginSession.h"
 #include "host/RunningProcess.h"
 #include "host/SourceName.h"
+#include "host/Tags.h"
 #include "stream/RawReader.h"
+#include "stream/SourceDetails.h"
 
-// Every failure is a CFailure that names the source, the reason and, once decoders were asked, who they are.
-// One thread. [stream-thread]
+// Opened once, and a remote source fetched once: the decoder tells the format, the length and the tags, then the source
+// aggregator is built around the same decoder. Every failure is a CFailure that names the source, the reason and, once
+// decoders were asked, who they are. One thread. [stream-thread]
 class CSourceStream {
 public:
-    // `wanted` is the format to deliver, null for the source's own.
-    CSourceStream(const CPluginSession& session, const CSourceName& name, const SWavFormat* wanted);
+    CSourceStream(const CPluginSession& session, const CSourceName& name);
 
-    // The format that Read delivers.
-    SWavFormat GetFormat() const;
+    CSourceStream(const CSourceStream&) = delete;
+    CSourceStream& operator=(const CSourceStream&) = delete;
 
-    // Announced length in sample frames of GetFormat(), 0 when unknown. The manager computes it in single precision:
-    // beyond 2^24 frames it is rounded.
+    // The decoder's own samples, before any conversion.
+    SHeldWavFormat GetRealFormat() const { return m_realFormat; }
+
+    // The same without its qualifier, as the decoder tells it to whoever does not ask for advanced formats.
+    SWavFormat GetPlainFormat() const { return m_plainFormat; }
+
+    // Announced length in sample frames of GetRealFormat(), 0 when unknown.
     std::uint64_t GetAnnouncedFrames() const;
 
+    const CTagTexts& GetTags() const { return m_tags; }
+
+    // Positions in sample frames of GetRealFormat().
+    std::vector<std::uint64_t> GetIndexPoints() const;
+
+    // The file that the decoder reads, which for a remote source is a local copy; empty when the decoder does not tell.
+    std::string GetLocalPath() const;
+
+    // The file name of the plug-in whose code the decoder is; empty when it cannot be told.
+    std::string GetPluginFile() const;
+
+    // Read delivers samples of `wanted` from here on. Once, before Start.
+    void Deliver(const SWavFormat& wanted);
+
     void Start();
+
+    // Moves to a sample frame of GetRealFormat(), after Start and before the first Read. False: nothing has moved, the
+    // decoder does not seek.
+    bool SeekTo(std::uint64_t frame);
 
     // Fills the buffer with the next bytes and returns their count; 0 is the end.
     int Read(unsigned char* buffer, int size);
@@ -32,9 +58,10 @@ public:
     void End();
 
 private:
-    static CComPtr<IUnknown> Open(const CPluginSession& session, const CSourceName& name, const SWavFormat* wanted);
-
-    CSourceStream(const CPluginSession& session, const CSourceName& name, const CComPtr<IUnknown>& stream);
+    CComPtr<IUnknown> Open(const SWavFormat* wanted) const;
+    void ReadFormats();
+    bool Wrap(const SWavFormat& wanted);
+    std::string StartFailureText(IStatus* status) const;
 
     template <typename TCall>
     auto Ask(const TCall& call) const;
@@ -45,7 +72,18 @@ private:
 
     const CPluginSession& m_session;
     const CSourceName& m_name;
-    CComPtr<IAudioRawReader> m_pReader;
+
+    // The decoder, then the aggregator around it.
+    CComPtr<IUnknown> m_pStream;
+
+    // Faces of the bare decoder, which give their references back before the stream ends.
     CComPtr<IAudioRawBlockInfo> m_pBlockInfo;
+    CComPtr<ISeekable> m_pSeekable;
+
+    SHeldWavFormat m_realFormat{};
+    SWavFormat m_plainFormat{};
+    SWavFormat m_wanted{};
+    CTagTexts m_tags;
+    CComPtr<IAudioRawReader> m_pReader;
     CRunningProcess m_process;
 };

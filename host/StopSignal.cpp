@@ -3,11 +3,15 @@
 
 #include <signal.h>
 
+#include <atomic>
+
 namespace {
 
 constexpr int kStopSignals[] = {SIGINT, SIGTERM, SIGHUP};
 
-volatile sig_atomic_t g_nStopSignal = 0;
+// Set on whichever thread the signal reaches.
+std::atomic<int> g_nStopSignal{0};
+static_assert(std::atomic<int>::is_always_lock_free);
 
 void RememberSignal(int signal) { g_nStopSignal = signal; }
 
@@ -23,6 +27,7 @@ void WatchStopSignals() {
         if (inherited.sa_handler != SIG_IGN) sigaction(signal, &action, nullptr);
     }
     signal(SIGXFSZ, SIG_IGN);
+    signal(SIGPIPE, SIG_IGN);
 }
 
 void UnwatchStopSignals() {

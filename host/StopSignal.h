@@ -1,7 +1,8 @@
 // Signals that ask the program to stop.
 #pragma once
 
-// From here on SIGINT, SIGTERM and SIGHUP only leave a mark, and a file over the size limit is a write error.
+// From here on SIGINT, SIGTERM and SIGHUP only leave a mark, and a file over the size limit and a pipe that
+// nobody reads are write errors.
 void WatchStopSignals();
 
 // From here on the signals that only left a mark end the program, one that already came at once: while a dialog is open

@@ -43,11 +43,14 @@ mode_t ModeOfNewFile() {
     return 0666 & ~mask;
 }
 
+// Asked before there are threads: asking changes the mask of the whole process for a moment.
+const mode_t g_nModeOfNewFile = ModeOfNewFile();
+
 // Returns the mode that the output is to have.
 mode_t RequireReplaceable(const std::string& given, const std::string& output, const char* source) {
     struct stat existing = {};
     if (stat(output.c_str(), &existing) != 0) {
-        if (errno == ENOENT) return ModeOfNewFile();
+        if (errno == ENOENT) return g_nModeOfNewFile;
         throw CFailure(given, SystemErrorText(errno));
     }
     if (S_ISDIR(existing.st_mode)) throw CFailure(given, SystemErrorText(EISDIR));

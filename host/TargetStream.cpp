@@ -4,10 +4,10 @@
 #include <utility>
 
 #include "com/InterfaceIds.h"
+#include "com/NamedSettings.h"
 #include "host/Failure.h"
 #include "host/FailureText.h"
 #include "host/FormatText.h"
-#include "stream/Convertor.h"
 
 namespace {
 
@@ -34,60 +34,85 @@ private:
     SWavFormat m_format{};
 };
 
+// "quality (0 to 10), bitrate (6 to 510 kbit/s)".
+std::string SettingsText(INamedSettings& settings) {
+    std::vector<std::string> texts;
+    for (int i = 0; i < settings.GetSettingCount(); ++i) {
+        const char* const name = settings.GetSettingName(i);
+        const char* const values = settings.GetSettingValues(i);
+        if (name != nullptr) texts.push_back(name + (values != nullptr ? " (" + std::string(values) + ")" : ""));
+    }
+    return JoinNames(texts);
+}
+
+void ApplySettings(const STargetRequest& request, IAudioTarget& target) {
+    const auto named = CComPtr<INamedSettings>::Query(&target, IID_INamedSettings);
+    for (const auto& [name, value] : request.m_settings) {
+        const std::string subject = request.m_strOutput + ": --set " + name + "=" + value;
+        if (!named || named->GetSetting(name.c_str()) == nullptr) {
+            throw CFailure(subject, "its encoder has no such setting",
+                           " (settings: " + (named ? SettingsText(*named) : "none") + ")");
+        }
+        CComPtr<IStatus> status;
+        if (named->SetSetting(name.c_str(), value.c_str(), status.Out())) continue;
+        throw CFailure(subject, StatusText(status.Get(), "its encoder does not take this value", request.m_strPath),
+                       " (settings: " + SettingsText(*named) + ")");
+    }
+}
+
 }  // namespace
 
-CTargetStream::CTargetStream(const CPluginSession& session, IAudioTargetOpener& encoder, STargetPlace place,
-                             const SWavFormat& format)
+CComPtr<IAudioTarget> OpenTarget(const STargetRequest& request) {
+    CComPtr<IAudioTarget> target;
+    CComPtr<IStatus> status;
+    if (!request.m_pEncoder->OpenTarget(request.m_strPath.c_str(), request.m_strExtension.c_str(), target.Out(),
+                                        status.Out()) ||
+        !target) {
+        throw CFailure(request.m_strOutput,
+                       StatusText(status.Get(), "its encoder opens no such file", request.m_strPath));
+    }
+    ApplySettings(request, *target);
+    return target;
+}
+
+CTargetStream::CTargetStream(const CPluginSession& session, STargetRequest request, const SWavFormat& format)
     : m_session(session),
-      m_place(std::move(place)),
+      m_request(std::move(request)),
       m_format(format),
-      m_pTarget(OpenTarget(encoder)),
+      m_pTarget(Open()),
       m_pStream(CreateStream()),
       m_pWriter(CComPtr<IAudioRawWriter>::Query(m_pStream.Get(), IID_IAudioRawWriter)),
       m_process(CComPtr<IProcess>::Query(m_pStream.Get(), IID_IProcess)) {}
 
-CComPtr<IAudioTarget> CTargetStream::OpenTarget(IAudioTargetOpener& encoder) const {
-    CComPtr<IAudioTarget> target;
-    CComPtr<IStatus> status;
-    if (encoder.OpenTarget(m_place.m_strPath.c_str(), m_place.m_strExtension.c_str(), target.Out(), status.Out()) &&
-        target) {
-        return target;
-    }
-    throw CFailure(m_place.m_strOutput, StatusText(status.Get(), "its encoder opens no such file", m_place.m_strPath));
+CComPtr<IAudioTarget> CTargetStream::Open() const {
+    CComPtr<IAudioTarget> target = OpenTarget(m_request);
+    const auto tags = CComPtr<ITargetTags>::Query(target.Get(), IID_ITargetTags);
+    if (tags) WriteTags(m_request.m_tags, *tags, m_request.m_strOutput);
+    return target;
 }
 
 CComPtr<IUnknown> CTargetStream::CreateStream() {
     IURLAudioTargetFactory* const encoderFactory = m_pTarget->GetTargetFactory();
-    if (encoderFactory == nullptr) throw CFailure(m_place.m_strOutput, "its encoder has no target factory");
+    if (encoderFactory == nullptr) throw CFailure(m_request.m_strOutput, "its encoder has no target factory");
     CObservingFactory factory(*encoderFactory);
     CComPtr<IUnknown> stream;
     CComPtr<IStatus> status;
     // After a failure the pointer may hold a bare encoder; it is released here as well.
     if (!m_session.GetManager().CreateURLAudioTarget(&factory, stream.Out(), m_format, status.Out())) {
-        throw CFailure(m_place.m_strOutput,
+        throw CFailure(m_request.m_strOutput,
                        "no encoder for " + FormatText(m_format) + ": " +
-                           StatusText(status.Get(), "its encoder does not work as a target", m_place.m_strPath));
+                           StatusText(status.Get(), "its encoder does not work as a target", m_request.m_strPath));
     }
     m_fileFormat = factory.GetFormat();
     return stream;
 }
 
-bool CTargetStream::Converts() const { return SHeldWavFormat{m_format, 0} != SHeldWavFormat{m_fileFormat, 0}; }
-
-void CTargetStream::CoverConvertor() const {
-    IConvertorFactory* lent = nullptr;
-    if (m_session.GetManager().GetConvertor(&lent) && lent != nullptr) lent->AddRef();
-}
-
 void CTargetStream::Start() {
-    // A target's Start that needs a conversion takes one reference of the installed factory away, whether it succeeds
-    // or not. Without the one added here a later unload would release the convertor component once too often.
-    // One too many would be the lesser harm: it only keeps a component alive until the process ends.
-    if (Converts()) CoverConvertor();
     CComPtr<IStatus> status;
     if (m_process.Start(status.Out())) return;
-    throw CFailure(m_place.m_strOutput, "writing does not start: " +
-                                            StatusText(status.Get(), "its encoder tells no reason", m_place.m_strPath));
+    throw CFailure(
+        m_request.m_strOutput,
+        "writing does not start: " + StatusText(status.Get(), "its encoder tells no reason", m_request.m_strPath));
 }
 
 void CTargetStream::Write(unsigned char* data, int size) {
@@ -95,13 +120,14 @@ void CTargetStream::Write(unsigned char* data, int size) {
     CComPtr<IStatus> status;
     // The aggregator passes over a convertor that fails; the status that the convertor leaves is the only sign.
     if (m_pWriter->RawWrite(data, size, state, status.Out()) && !status) return;
-    throw CFailure(m_place.m_strOutput,
-                   "writing failed: " + StatusText(status.Get(), "its encoder tells no reason", m_place.m_strPath));
+    throw CFailure(m_request.m_strOutput,
+                   "writing failed: " + StatusText(status.Get(), "its encoder tells no reason", m_request.m_strPath));
 }
 
 void CTargetStream::End() {
     CComPtr<IStatus> status;
     if (m_process.End(status.Out())) return;
-    throw CFailure(m_place.m_strOutput, "writing failed at the end: " +
-                                            StatusText(status.Get(), "its encoder tells no reason", m_place.m_strPath));
+    throw CFailure(
+        m_request.m_strOutput,
+        "writing failed at the end: " + StatusText(status.Get(), "its encoder tells no reason", m_request.m_strPath));
 }

@@ -2,26 +2,37 @@
 #pragma once
 
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "com/ComPtr.h"
 #include "host/PluginSession.h"
 #include "host/RunningProcess.h"
+#include "host/Tags.h"
 #include "stream/AudioTargetOpener.h"
 #include "stream/RawWriter.h"
 
-// Where the encoder writes and what for.
-struct STargetPlace {
+// Names and values for the encoder's INamedSettings, in the order of the command line.
+using CTargetSettings = std::vector<std::pair<std::string, std::string>>;
+
+// What is written, where and by whom.
+struct STargetRequest {
+    CComPtr<IAudioTargetOpener> m_pEncoder;
     std::string m_strOutput;     // the name for messages
     std::string m_strPath;       // the file that is written
     std::string m_strExtension;  // chooses the file format
+    CTargetSettings m_settings;
+    CTagTexts m_tags;
 };
+
+// Opens the target and gives it the settings. Throws CFailure, naming the output. Nothing is written. [stream-thread]
+CComPtr<IAudioTarget> OpenTarget(const STargetRequest& request);
 
 // Every failure is a CFailure that names the output. One thread. [stream-thread]
 class CTargetStream {
 public:
     // `format` is the format of the bytes that Write takes. Nothing is written before Start.
-    CTargetStream(const CPluginSession& session, IAudioTargetOpener& encoder, STargetPlace place,
-                  const SWavFormat& format);
+    CTargetStream(const CPluginSession& session, STargetRequest request, const SWavFormat& format);
 
     CTargetStream(const CTargetStream&) = delete;
     CTargetStream& operator=(const CTargetStream&) = delete;
@@ -37,13 +48,11 @@ public:
     void End();
 
 private:
-    CComPtr<IAudioTarget> OpenTarget(IAudioTargetOpener& encoder) const;
+    CComPtr<IAudioTarget> Open() const;
     CComPtr<IUnknown> CreateStream();
-    bool Converts() const;
-    void CoverConvertor() const;
 
     const CPluginSession& m_session;
-    STargetPlace m_place;
+    STargetRequest m_request;
     SWavFormat m_format;
     SWavFormat m_fileFormat{};
     // Lives longer than the encoder that its factory makes.

@@ -5,13 +5,13 @@
 #include <utility>
 #include <vector>
 
-#include "host/ConvertCommand.h"
 #include "host/Failure.h"
 #include "host/FailureText.h"
 #include "host/ListCommand.h"
 #include "host/SettingsCommand.h"
 #include "host/StandardOutput.h"
 #include "host/StopSignal.h"
+#include "host/convert/ConvertCommand.h"
 
 namespace {
 
@@ -52,8 +52,8 @@ int RunCommandLine(int argc, char** argv) {
     for (const auto& [defined, run] : commands) {
         if (defined->parsed()) exitStatus = run();
     }
-    FlushStandardOutput();
-    return exitStatus;
+    if (exitStatus == 0) FlushStandardOutput();
+    return GetStopSignal() != 0 ? kExitSignalBase + GetStopSignal() : exitStatus;
 }
 
 // Whatever ends a command ends here, as one line.

@@ -29,7 +29,7 @@ TEST_F(PluginFault, ExceptionWhileReading) { ExpectFault("throws", "the decoder 
 
 TEST_F(PluginFault, FailedReadNamesTheDecodersAsked) {
     for (const std::string script : {"throws", "nomemory", "nothing", "overcounts", "status", "nostart", "badformat",
-                                     "noend", "loner", "refuses"}) {
+                                     "noend", "refuses"}) {
         SCOPED_TRACE(script);
         ExpectFault(script, "");
         EXPECT_NE(ConvertScript(script).m_strErr.find(" (asked: Scripted Decoder"), std::string::npos);
@@ -61,8 +61,16 @@ TEST_F(PluginFault, ImpossibleFormat) { ExpectFault("badformat", "its decoder te
 
 TEST_F(PluginFault, FailedEnd) { ExpectFault("noend", "ending failed: the end does not come"); }
 
-TEST_F(PluginFault, DecoderThatCannotBeWrapped) {
-    ExpectFault("loner", "its decoder does not work as a converting source");
+TEST_F(PluginFault, DecoderThatCannotBeWrappedConvertsNothing) {
+    UsePlugin(KELO_PLUGINS, "soxr.so");
+    m_scratch.Write("work/in.loner", "x");
+    ExpectFailure(RunWithChosen({"convert", "in.loner", "out.wav", "--rate", "48000"}),
+                  {"keloaudio: in.loner: its decoder does not work as a converting source (asked: Scripted Decoder"});
+    EXPECT_EQ(NamesIn(WorkDirectory()), std::vector<std::string>{"in.loner"});
+}
+
+TEST_F(PluginFault, DecoderThatCannotBeWrappedIsReadAsItIs) {
+    ExpectConverted(ConvertScript("loner"), "out.wav: 44100 Hz, 16 bits, 2 channels, 100 frames");
 }
 
 TEST_F(PluginFault, BytesBesideANonzeroStateAreNotTheEnd) {
@@ -90,10 +98,10 @@ TEST_F(PluginFault, ConvertorThatFailsInItsTail) {
     EXPECT_EQ(NamesIn(WorkDirectory()), std::vector<std::string>{});
 }
 
-TEST_F(PluginFault, ConvertorThatFailsBeforeTheEncoder) {
+TEST_F(PluginFault, ConvertorThatFailsOnTheWayToTheEncodersWidth) {
     UseFixture("FailingConvertor.so");
     ExpectFailure(ConvertScript("endlesswide", "out.flac"),
-                  {"out.flac: writing failed: the convertor is out of order"});
+                  {"in.endlesswide: reading failed: the convertor is out of order"});
     EXPECT_EQ(NamesIn(WorkDirectory()), std::vector<std::string>{"in.endlesswide"});
 }
 
@@ -112,7 +120,7 @@ TEST_F(PluginFault, EncoderWithoutATargetFactory) {
     EXPECT_EQ(NamesIn(WorkDirectory()), std::vector<std::string>{});
 }
 
-TEST_F(PluginFault, ConvertingTargetLeavesTheFactoryItsReferences) {
+TEST_F(PluginFault, ConversionLeavesTheFactoryItsReferences) {
     UseFixture("CountedConvertor.so");
     const std::string counts = m_scratch / "counts";
     setenv("KELO_TEST_COUNT_FILE", counts.c_str(), 1);
@@ -120,7 +128,7 @@ TEST_F(PluginFault, ConvertingTargetLeavesTheFactoryItsReferences) {
     EXPECT_EQ(ReadWholeFile(counts), "1 references, 1 convertors made");
 }
 
-TEST_F(PluginFault, PlainTargetLeavesTheFactoryItsReferences) {
+TEST_F(PluginFault, PlainCopyLeavesTheFactoryItsReferences) {
     UseFixture("CountedConvertor.so");
     const std::string counts = m_scratch / "counts";
     setenv("KELO_TEST_COUNT_FILE", counts.c_str(), 1);

@@ -1,0 +1,87 @@
+// Who may change the code that plug-ins bring into the process.
+#include "host/PluginTrust.h"
+
+#include <grp.h>
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <system_error>
+
+#include "host/Failure.h"
+#include "host/FailureText.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kWayOut = " (--trust-plugins loads them all the same)";
+
+std::string OwnerText(uid_t owner) {
+    const passwd* const entry = getpwuid(owner);
+    return entry != nullptr ? entry->pw_name : "user " + std::to_string(owner);
+}
+
+// A group that a system makes for one user alone and names like him, as Debian does.
+bool IsPrivateGroup(gid_t group) {
+    const passwd* const user = getpwuid(geteuid());
+    if (user == nullptr || user->pw_gid != group) return false;
+    const std::string name = user->pw_name;
+    const ::group* const entry = getgrgid(group);
+    return entry != nullptr && name == entry->gr_name && entry->gr_mem[0] == nullptr;
+}
+
+// Who else may write to it, empty when nobody.
+std::string WhoElseWrites(const struct stat& entry) {
+    if (entry.st_uid != 0 && entry.st_uid != geteuid()) return "it belongs to " + OwnerText(entry.st_uid);
+    if ((entry.st_mode & S_IWOTH) != 0) return "everybody may write to it";
+    if ((entry.st_mode & S_IWGRP) != 0 && entry.st_gid != 0 && !IsPrivateGroup(entry.st_gid)) {
+        return "its group may write to it";
+    }
+    return {};
+}
+
+void RequireTrusted(const fs::path& path, bool allowSticky) {
+    struct stat entry = {};
+    if (stat(path.c_str(), &entry) != 0) {
+        if (errno == ENOENT) return;  // a link to nothing
+        throw CFailure(path, SystemErrorText(errno));
+    }
+    const std::string reason = WhoElseWrites(entry);
+    // In a directory such as /tmp nobody replaces what belongs to another.
+    const bool sticky = (entry.st_mode & S_ISVTX) != 0 && (entry.st_uid == 0 || entry.st_uid == geteuid());
+    if (reason.empty() || (allowSticky && sticky)) return;
+    throw CFailure(path, "plug-ins are not safe there: " + reason, kWayOut);
+}
+
+void RequireTrustedAbove(const fs::path& resolved) {
+    for (fs::path above = resolved.parent_path();; above = above.parent_path()) {
+        RequireTrusted(above, true);
+        if (above == above.root_path()) return;
+    }
+}
+
+void RequireTrustedFile(const fs::directory_entry& entry) {
+    RequireTrusted(entry.path(), false);
+    std::error_code error;
+    if (!entry.is_symlink(error)) return;
+    const fs::path resolved = fs::canonical(entry.path(), error);
+    if (!error) RequireTrustedAbove(resolved);
+}
+
+}  // namespace
+
+void RequireTrustedPlugins(const std::string& directory, bool belongsToProgram) {
+    std::error_code error;
+    const fs::path resolved = fs::canonical(directory, error);
+    if (error) return;  // whoever reads the directory has better words for it
+    RequireTrusted(resolved, false);
+    if (!belongsToProgram) RequireTrustedAbove(resolved);
+    for (const fs::directory_entry& entry : fs::directory_iterator(resolved, error)) {
+        if (!entry.is_directory(error)) RequireTrustedFile(entry);
+    }
+}

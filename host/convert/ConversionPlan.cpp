@@ -1,0 +1,123 @@
+// What is converted into what.
+#include "host/convert/ConversionPlan.h"
+
+#include <strings.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <set>
+#include <system_error>
+#include <utility>
+
+#include "host/Encoders.h"
+#include "host/convert/InputFiles.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using CFileIdentity = std::pair<dev_t, ino_t>;
+
+// The last component of an address without what follows a "?" or "#".
+std::string FileNameOfAddress(const std::string& address) {
+    const std::string path = address.substr(0, address.find_first_of("?#"));
+    const std::size_t host = path.find("://") + 3;
+    const std::size_t slash = path.rfind('/');
+    if (slash < host || slash + 1 == path.size()) {
+        throw CFailure(address, "no file name in it for the output", " (give the output's name instead of --to)");
+    }
+    return path.substr(slash + 1);
+}
+
+std::string OutputOf(const SInputFile& input, const SConvertOptions& options) {
+    const std::string& given = input.m_name.GetGiven();
+    const fs::path name = input.m_name.IsRemote() ? fs::path(FileNameOfAddress(given)) : fs::path(given);
+    fs::path directory = input.m_name.IsRemote() ? fs::path() : name.parent_path();
+    if (!options.m_strOutputDirectory.empty()) directory = fs::path(options.m_strOutputDirectory) / input.m_folder;
+    return (directory / name.stem()).string() + "." + options.m_strExtension;
+}
+
+// Finds the file at the end of links; the part that is not there yet stays as it is written.
+class COutputNames {
+public:
+    // Throws when `output` was there already.
+    void Add(const std::string& output, const std::string& input) {
+        const auto [place, added] = m_inputs.emplace(Resolve(output), input);
+        if (added) return;
+        throw CFailure(output, "two inputs would become it, " + place->second + " and " + input,
+                       " (nothing is converted; --out-dir keeps apart what different runs make)");
+    }
+
+private:
+    fs::path Resolve(const fs::path& output) {
+        std::error_code error;
+        const fs::path parent = fs::absolute(output).parent_path();
+        const auto known = m_directories.find(parent);
+        const fs::path directory =
+            known != m_directories.end() ? known->second : m_directories[parent] = fs::weakly_canonical(parent, error);
+        const fs::path resolved = directory / output.filename();
+        return fs::is_symlink(resolved, error) ? fs::weakly_canonical(resolved, error) : resolved;
+    }
+
+    std::map<fs::path, fs::path> m_directories;
+    std::map<fs::path, std::string> m_inputs;
+};
+
+bool Identify(const std::string& path, CFileIdentity& identity) {
+    struct stat entry = {};
+    if (stat(path.c_str(), &entry) != 0) return false;
+    identity = {entry.st_dev, entry.st_ino};
+    return true;
+}
+
+void RefuseClashes(const std::vector<SPlannedFile>& files) {
+    std::set<CFileIdentity> inputs;
+    COutputNames outputs;
+    CFileIdentity identity;
+    for (const SPlannedFile& file : files) {
+        if (!file.m_name.IsRemote() && Identify(file.m_name.GetURL(), identity)) inputs.insert(identity);
+        outputs.Add(file.m_strOutput, file.m_name.GetGiven());
+    }
+    for (const SPlannedFile& file : files) {
+        if (!Identify(file.m_strOutput, identity) || inputs.count(identity) == 0) continue;
+        throw CFailure(file.m_strOutput, "the output of " + file.m_name.GetGiven() + " is one of the inputs",
+                       " (nothing is converted; --out-dir DIR writes elsewhere)");
+    }
+}
+
+// What becomes of the inputs, before shards are told apart.
+SConversionPlan PlanAll(const SConvertOptions& options, SInputFiles inputs) {
+    SConversionPlan plan;
+    plan.m_nOthers = inputs.m_nOthers;
+    plan.m_vFailures = std::move(inputs.m_vFailures);
+    for (SInputFile& input : inputs.m_vFiles) {
+        const std::string extension = ExtensionOf(input.m_name.GetGiven());
+        const bool inPlace = options.m_strOutputDirectory.empty();
+        if (input.m_bFromDirectory && inPlace && strcasecmp(extension.c_str(), options.m_strExtension.c_str()) == 0) {
+            ++plan.m_nAlready;
+            continue;
+        }
+        std::string output = OutputOf(input, options);
+        plan.m_vFiles.push_back({std::move(input.m_name), std::move(output)});
+    }
+    return plan;
+}
+
+std::vector<SPlannedFile> TakeShard(std::vector<SPlannedFile> files, const SShard& shard) {
+    std::vector<SPlannedFile> taken;
+    for (std::size_t i = shard.m_nIndex; i < files.size(); i += shard.m_nCount) taken.push_back(std::move(files[i]));
+    return taken;
+}
+
+}  // namespace
+
+SConversionPlan MakeConversionPlan(const SConvertOptions& options, const CPluginSession& session) {
+    const SInputRequest request{options.m_vInputs, options.m_bRecursive, session.GetDecoderExtensions(),
+                                options.m_strOutputDirectory};
+    SConversionPlan plan = PlanAll(options, FindInputFiles(request));
+    RefuseClashes(plan.m_vFiles);
+    plan.m_vFiles = TakeShard(std::move(plan.m_vFiles), options.m_shard);
+    return plan;
+}

@@ -1,0 +1,91 @@
+// What became of one file, in words and as JSON.
+#include "host/convert/ConversionResult.h"
+
+#include <algorithm>
+#include <map>
+#include <nlohmann/json.hpp>
+
+#include "host/FormatText.h"
+#include "host/Json.h"
+
+namespace {
+
+std::string StreamText(const SStreamReport& stream) {
+    return FormatText(stream.m_format) + ", " + LengthText(stream.m_nFrames, stream.m_format.m_format.nSampleRate);
+}
+
+std::string ClippingText(const SConversionReport& report) {
+    if (report.m_nClippedSamples == 0) return {};
+    return ", " + std::to_string(report.m_nClippedSamples) +
+           (report.m_nClippedSamples == 1 ? " sample clipped" : " samples clipped");
+}
+
+nlohmann::ordered_json StreamJson(const SStreamReport& stream) {
+    nlohmann::ordered_json json = FormatJson(stream.m_format);
+    json["frames"] = stream.m_nFrames;
+    json["seconds"] = SecondsOf(stream.m_nFrames, stream.m_format.m_format.nSampleRate);
+    return json;
+}
+
+const char* OutcomeName(EOutcome outcome) {
+    switch (outcome) {
+        case EOutcome::Planned:
+            return "planned";
+        case EOutcome::Converted:
+            return "converted";
+        case EOutcome::Skipped:
+            return "skipped";
+        case EOutcome::Failed:
+            return "failed";
+        case EOutcome::Interrupted:
+            break;
+    }
+    return "interrupted";
+}
+
+}  // namespace
+
+std::string ReportText(const SConversionResult& result) {
+    return result.m_strInput + ": " + StreamText(result.m_report.m_source) + "\n" + result.m_strOutput + ": " +
+           StreamText(result.m_report.m_target) + ClippingText(result.m_report);
+}
+
+std::string LineText(const SConversionResult& result) {
+    const std::string names = result.m_strInput + " -> " + result.m_strOutput;
+    if (result.m_eOutcome == EOutcome::Skipped) return names + ": skipped, it is there";
+    if (result.m_eOutcome != EOutcome::Converted) return names;
+    return names + ": " + StreamText(result.m_report.m_target) + ClippingText(result.m_report);
+}
+
+nlohmann::ordered_json ToJson(const SConversionResult& result) {
+    nlohmann::ordered_json json = {
+        {"input", result.m_strInput}, {"output", result.m_strOutput}, {"status", OutcomeName(result.m_eOutcome)}};
+    if (result.m_eOutcome == EOutcome::Converted) {
+        json["source"] = StreamJson(result.m_report.m_source);
+        json["target"] = StreamJson(result.m_report.m_target);
+        json["clippedSamples"] = result.m_report.m_nClippedSamples;
+        if (!result.m_report.m_strWarning.empty()) json["warning"] = result.m_report.m_strWarning;
+    }
+    if (!result.m_strFailure.empty()) json["failure"] = result.m_strFailure;
+    return json;
+}
+
+int CountOf(const std::vector<SConversionResult>& results, EOutcome outcome) {
+    return static_cast<int>(std::count_if(results.begin(), results.end(), [outcome](const SConversionResult& result) {
+        return result.m_eOutcome == outcome;
+    }));
+}
+
+std::string ReasonsText(const std::vector<SConversionResult>& results) {
+    std::map<std::string, int> counts;
+    for (const SConversionResult& result : results) {
+        if (result.m_eOutcome == EOutcome::Failed) ++counts[result.m_strReason];
+    }
+    std::vector<std::pair<std::string, int>> sorted(counts.begin(), counts.end());
+    std::stable_sort(sorted.begin(), sorted.end(),
+                     [](const auto& left, const auto& right) { return left.second > right.second; });
+    std::string text;
+    for (const auto& [reason, count] : sorted)
+        text += (text.empty() ? "" : ", ") + std::to_string(count) + " " + reason;
+    return text;
+}

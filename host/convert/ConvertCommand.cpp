@@ -1,0 +1,95 @@
+// keloaudio convert.
+#include "host/convert/ConvertCommand.h"
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "host/Encoders.h"
+#include "host/Json.h"
+#include "host/PluginCall.h"
+#include "host/StandardOutput.h"
+#include "host/convert/Batch.h"
+
+namespace {
+
+constexpr const char* kExamples =
+    "Examples:\n"
+    "  keloaudio convert in.oga out.flac --rate 48000 --bits 24\n"
+    "  keloaudio convert --to flac --out-dir flac --recursive music --skip-existing\n"
+    "  keloaudio convert talk.mp3 cut.wav --start 1:30 --end 2:00\n"
+    "  keloaudio convert song.flac --stdout | aplay";
+
+// Values that no encoder takes fail every file: they are told once, before the first one.
+void CheckSettings(const CPluginSession& session, const SConvertOptions& options) {
+    const std::string extension = options.HasOneOutput() ? ExtensionOf(options.m_strOutput) : options.m_strExtension;
+    const std::string output = options.HasOneOutput() ? options.m_strOutput : "." + extension;
+    STargetRequest request;
+    request.m_pEncoder = FindEncoder(session, output, extension);
+    request.m_strOutput = output;
+    request.m_strPath = "/" + output;
+    request.m_strExtension = extension;
+    request.m_settings = options.m_settings;
+    OpenTarget(request);
+}
+
+void Prepare(const CPluginSession& session, const SConvertOptions& options) {
+    if (!options.m_strQuality.empty()) session.SetConvertorSetting("quality", options.m_strQuality);
+    if (!options.m_strDither.empty()) session.SetConvertorSetting("dither", options.m_strDither);
+    CallPlugins("--set", [&] { CheckSettings(session, options); });
+}
+
+// Says what became of the one file, to whom it concerns.
+void ReportOne(const SConversionResult& result, const SConvertOptions& options, CConsole& console) {
+    if (options.m_bJson) {
+        PrintJson(ToJson(result));
+        FlushStandardOutput();
+    } else {
+        console.PrintLine(result.m_eOutcome == EOutcome::Converted ? ReportText(result) : LineText(result));
+    }
+}
+
+int ConvertOne(const CPluginSession& session, const SConvertOptions& options) {
+    const SPlannedFile file{CSourceName(options.m_vInputs.front()), options.m_strOutput};
+    CConsole console(!options.m_bQuiet && !options.m_bJson, WorkloadOf({file}));
+    SConversionResult result = ExpectedResult(options, file);
+    if (!options.m_bDryRun && result.m_eOutcome == EOutcome::Planned) {
+        // A report that nobody gets is a failure, and a failure leaves no output.
+        result = ConvertFile({session, options, console}, file,
+                             [&](const SConversionResult& complete) { ReportOne(complete, options, console); });
+    } else {
+        ReportOne(result, options, console);
+    }
+    if (!result.m_report.m_strWarning.empty()) {
+        console.ReportFailure(result.m_strInput + ": " + result.m_report.m_strWarning);
+    }
+    if (result.m_strFailure.empty()) return 0;
+    if (options.m_bJson) PrintJson(ToJson(result));
+    console.ReportFailure(result.m_strFailure);
+    return kExitFailed;
+}
+
+int RunConvert(SConvertOptions& options) {
+    CompleteConvertOptions(options);
+    const CPluginSession session(options.m_plugins);
+    Prepare(session, options);
+    if (options.HasOneOutput()) return ConvertOne(session, options);
+    if (options.m_bStandardOutput) {
+        CConsole console(!options.m_bQuiet, WorkloadOf({SPlannedFile{CSourceName(options.m_vInputs.front()), ""}}));
+        ConvertToStandardOutput({session, options, console});
+        return 0;
+    }
+    const SConversionPlan plan =
+        CallPlugins(session.GetDirectory(), [&] { return MakeConversionPlan(options, session); });
+    return CBatch(session, options, plan).Run();
+}
+
+std::function<int()> DefineConvert(CLI::App& app) {
+    const auto options = std::make_shared<SConvertOptions>();
+    AddConvertOptions(app, *options);
+    return [options] { return RunConvert(*options); };
+}
+
+}  // namespace
+
+const SCommand kConvertCommand = {"convert", "Convert audio files", kExamples, DefineConvert};

@@ -1,0 +1,72 @@
+// The part of a source that is asked for.
+#include "host/convert/Excerpt.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "host/Failure.h"
+#include "host/FormatText.h"
+
+CExcerpt::CExcerpt(CSourceStream& source, const SWavFormat& delivered, const SExcerptOptions& options,
+                   std::string given)
+    : m_source(source),
+      m_delivered(delivered),
+      m_strGiven(std::move(given)),
+      m_nSourceRate(source.GetRealFormat().m_format.nSampleRate),
+      m_nFramesLeft(kAll) {
+    if (options.m_start) m_nFirst = FramesAt(*options.m_start, m_nSourceRate);
+    if (options.m_end) m_nEnd = FramesAt(*options.m_end, m_nSourceRate);
+    RequireOrder();
+    if (m_nEnd != kAll) m_nFramesLeft = Delivered(m_nEnd) - Delivered(m_nFirst);
+}
+
+void CExcerpt::RequireOrder() const {
+    if (m_nEnd <= m_nFirst) {
+        throw CFailure(m_strGiven, "--end, frame " + std::to_string(m_nEnd) + ", is not after --start, frame " +
+                                       std::to_string(m_nFirst));
+    }
+    const std::uint64_t length = m_source.GetAnnouncedFrames();
+    if (m_nFirst > 0 && length != 0 && m_nFirst >= length) {
+        throw CFailure(m_strGiven, "--start, " + LengthText(m_nFirst, m_nSourceRate) + ", is behind its end (" +
+                                       LengthText(length, m_nSourceRate) + ")");
+    }
+}
+
+// The nearest frame of what is delivered.
+std::uint64_t CExcerpt::Delivered(std::uint64_t sourceFrames) const {
+    const auto from = static_cast<std::uint64_t>(m_nSourceRate);
+    const auto to = static_cast<std::uint64_t>(m_delivered.nSampleRate);
+    return sourceFrames / from * to + (sourceFrames % from * to + from / 2) / from;
+}
+
+std::uint64_t CExcerpt::GetAnnouncedFrames() const {
+    const std::uint64_t length = m_source.GetAnnouncedFrames();
+    return length == 0 ? 0 : std::min(length, m_nEnd) - m_nFirst;
+}
+
+void CExcerpt::Start() {
+    m_source.Start();
+    if (m_nFirst == 0 || m_source.SeekTo(m_nFirst)) return;
+    m_nBytesToDrop = Delivered(m_nFirst) * static_cast<std::uint64_t>(BlockSizeOf(m_delivered));
+}
+
+int CExcerpt::Read(unsigned char* buffer, int size) {
+    for (;;) {
+        if (m_nFramesLeft == 0) return 0;
+        const int read = m_source.Read(buffer, size);
+        const auto dropped =
+            static_cast<int>(std::min<std::uint64_t>(m_nBytesToDrop, static_cast<std::uint64_t>(read)));
+        m_nBytesToDrop -= static_cast<std::uint64_t>(dropped);
+        if (read > 0 && dropped == read) continue;
+        std::copy(buffer + dropped, buffer + read, buffer);
+        return Limit(read - dropped);
+    }
+}
+
+int CExcerpt::Limit(int bytes) {
+    if (m_nFramesLeft == kAll) return bytes;
+    const auto frameBytes = static_cast<std::uint64_t>(BlockSizeOf(m_delivered));
+    const std::uint64_t frames = std::min(static_cast<std::uint64_t>(bytes) / frameBytes, m_nFramesLeft);
+    m_nFramesLeft -= frames;
+    return static_cast<int>(frames * frameBytes);
+}
