@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <iterator>
+#include <map>
+#include <regex>
 #include <set>
 #include <string>
 #include <vector>
@@ -66,10 +68,33 @@ TEST(Exports, HoldNoUniqueSymbol) {
     EXPECT_THAT(unique, testing::IsEmpty());
 }
 
+// Objects are built and destroyed by C1 and D1, as a base of another class by C2 and D2, through their table by D0; the
+// list calls all forms of one constructor or destructor alike.
+TEST(Exports, HoldEveryFormOfConstructorsAndDestructors) {
+    static const std::regex kForm("(_ZN.*)([CD])([0-2])E(.*)");
+    std::map<std::string, std::string> forms;
+    for (const SExportedSymbol& symbol : ReadExports(KELO_LIBRARY)) {
+        std::smatch parts;
+        if (symbol.m_strName.find("::") == std::string::npos) continue;
+        if (!std::regex_match(symbol.m_strMangled, parts, kForm)) continue;
+        forms[parts[1].str() + parts[2].str() + parts[4].str()] += parts[3];
+    }
+    EXPECT_THAT(forms, testing::SizeIs(testing::Ge(50U)));
+
+    const std::set<std::string> kOutsideTheTable = {"_ZN14CComponentEnumDv", "_ZN17CPortableFileInfoDv",
+                                                    "_ZN17CTargetAggregatorDv"};
+    for (auto& [name, found] : forms) {
+        std::sort(found.begin(), found.end());
+        const bool destructor = name.substr(name.size() - 2) == "Dv";
+        EXPECT_EQ(found, destructor && kOutsideTheTable.count(name) == 0 ? "012" : "12") << name;
+    }
+}
+
 TEST(Exports, EntryPointAndLoaderFunctionsAreUnmangled) {
     std::set<std::string> mangled;
     for (const SExportedSymbol& symbol : ReadExports(KELO_LIBRARY)) mangled.insert(symbol.m_strMangled);
-    EXPECT_THAT(mangled, testing::IsSupersetOf({"GetAudioPluginMgr", "LoadLibrary", "GetProcAddress", "FreeLibrary"}));
+    EXPECT_THAT(mangled, testing::IsSupersetOf({"GetAudioPluginMgr", "AudioFormatSettingsDialog_New", "LoadLibrary",
+                                                "GetProcAddress", "FreeLibrary"}));
 }
 
 TEST(Exports, GlobalsAreWritableData) {
