@@ -63,8 +63,8 @@ kelo_install_pkgconfig(keloaudiopluginmgr.pc)
 kelo_install_pkgconfig(keloaudiopluginmgr-plugin.pc)
 
 if(KELO_BUILD_PLUGINS)
-  kelo_modules_below(plugins ${PROJECT_SOURCE_DIR}/plugins)
-  install(TARGETS ${plugins} LIBRARY DESTINATION ${KELO_INSTALL_PLUGINDIR} COMPONENT plugins)
+  kelo_modules_below(KELO_PLUGIN_TARGETS ${PROJECT_SOURCE_DIR}/plugins)
+  install(TARGETS ${KELO_PLUGIN_TARGETS} LIBRARY DESTINATION ${KELO_INSTALL_PLUGINDIR} COMPONENT plugins)
 endif()
 
 if(KELO_BUILD_HOST)
