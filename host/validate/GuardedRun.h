@@ -1,0 +1,10 @@
+// One place where everything that a check throws ends.
+#pragma once
+
+#include <functional>
+
+#include "host/validate/Outcome.h"
+
+// The outcome of `run`: an exception that is neither a finding nor a skip came across the plug-in's border and is a
+// finding that names its type.
+SOutcome RunGuarded(const std::function<void()>& run);

@@ -1,0 +1,7 @@
+// keloaudio validate.
+#pragma once
+
+#include "host/Command.h"
+
+// Holds plug-ins to what the manager and hosts rely on.
+extern const SCommand kValidateCommand;
