@@ -6,80 +6,134 @@
 #include <array>
 #include <cstdio>
 #include <memory>
+#include <nlohmann/json.hpp>
+#include <utility>
 #include <vector>
 
-#include "com/ComponentInfo.h"
-#include "com/InterfaceIds.h"
+#include "host/ComponentReport.h"
+#include "host/Json.h"
 #include "host/PluginCall.h"
-#include "host/PluginOptions.h"
-#include "host/PluginSession.h"
 
 namespace {
 
-// The last column, the extensions, is not padded.
-using CRow = std::array<std::string, 4>;
+constexpr std::size_t kLineWidth = 100;
+constexpr const char* kIndent = "    ";
+constexpr std::size_t kLabelWidth = 14;
 
-std::string TypeText(EAudioComponentType type) {
-    switch (type) {
-        case ACT_COLLECTION:
-            return "collection";
-        case ACT_DECODER:
-            return "decoder";
-        case ACT_ENCODER:
-            return "encoder";
-        case ACT_CONVERTOR:
-            return "convertor";
-        case ACT_URL_HANDLER:
-            return "url-handler";
-    }
-    return "type " + std::to_string(static_cast<unsigned int>(type));
+struct SListOptions {
+    SPluginOptions m_plugins;
+    bool m_bJson = false;
+};
+
+std::string Padded(const std::string& text, std::size_t width) {
+    return text + std::string(width - std::min(width, text.size()), ' ');
 }
 
-std::string PlaceText(IAudioPluginMgr& manager, IAudioComponent& component) {
-    const auto places = CComPtr<IAudioPluginMgrInternal>::Query(&manager, IID_IAudioPluginMgrInternal);
-    COMPONENT_INFO info;
-    if (!places || !places->GetComponentInfo(&component, &info)) return "unknown";
-    return std::string(info.m_strLibraryFileName.GetText()) + " " + std::to_string(info.m_nIndex);
-}
-
-CRow RowOf(const CPluginSession& session, IAudioComponent& component) {
-    const std::vector<std::string> extensions = ExtensionsOf(component);
-    return {TypeText(component.GetType()), NameOf(component), PlaceText(session.GetManager(), component),
-            extensions.empty() ? "-" : JoinNames(extensions)};
-}
-
-void PrintRows(const std::vector<CRow>& rows) {
-    std::array<std::size_t, 3> widths{};
-    for (const CRow& row : rows) {
-        for (std::size_t i = 0; i < widths.size(); ++i) widths[i] = std::max(widths[i], row[i].size());
-    }
-    for (const CRow& row : rows) {
-        std::string line;
-        for (std::size_t i = 0; i < widths.size(); ++i)
-            line += row[i] + std::string(widths[i] - row[i].size() + 2, ' ');
-        std::puts((line + row.back()).c_str());
-    }
-}
-
-int RunList(const SPluginOptions& options) {
-    const CPluginSession session(options);
-    CallPlugins(session.GetDirectory(), [&session] {
-        std::vector<CRow> rows;
-        for (const CComPtr<IAudioComponent>& component : session.GetComponents()) {
-            rows.push_back(RowOf(session, *component));
+// The label, and the words behind it in as many lines as they need.
+void PrintWords(const std::string& label, const std::vector<std::string>& words) {
+    if (words.empty()) return;
+    std::string line = kIndent + Padded(label, kLabelWidth);
+    const std::size_t begin = line.size();
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        const std::string word = words[i] + (i + 1 < words.size() ? ", " : "");
+        if (line.size() > begin && line.size() + words[i].size() + 1 > kLineWidth) {
+            std::puts(line.substr(0, line.size() - 1).c_str());
+            line.assign(begin, ' ');
         }
-        PrintRows(rows);
+        line += word;
+    }
+    std::puts(line.c_str());
+}
+
+std::vector<std::string> SettingTexts(const std::vector<SSettingReport>& settings) {
+    std::vector<std::string> texts;
+    for (const SSettingReport& setting : settings) {
+        texts.push_back(setting.m_strName + (setting.m_strValue.empty() ? "" : " = " + setting.m_strValue) +
+                        (setting.m_strValues.empty() ? "" : " (" + setting.m_strValues + ")"));
+    }
+    return texts;
+}
+
+// Extensions for which the words are the same share their lines.
+template <typename TWords>
+void PrintByExtension(const std::string& label, const std::vector<STargetReport>& targets, const TWords& wordsOf) {
+    std::vector<std::pair<std::vector<std::string>, std::vector<std::string>>> groups;
+    for (const STargetReport& target : targets) {
+        const std::vector<std::string> words = wordsOf(target);
+        if (words.empty()) continue;
+        const auto known =
+            std::find_if(groups.begin(), groups.end(), [&](const auto& group) { return group.first == words; });
+        auto& group = known != groups.end() ? *known : groups.emplace_back(words, std::vector<std::string>{});
+        group.second.push_back(target.m_strExtension);
+    }
+    for (auto& [words, extensions] : groups) {
+        words.front() = "of " + JoinNames(extensions) + ": " + words.front();
+        PrintWords(label, words);
+    }
+}
+
+void PrintTargets(const std::vector<STargetReport>& targets) {
+    PrintByExtension("settings", targets, [](const STargetReport& target) { return SettingTexts(target.m_settings); });
+    PrintByExtension("tags", targets, [](const STargetReport& target) { return target.m_tags; });
+}
+
+std::string PlaceText(const SComponentReport& report) {
+    return report.m_strFile.empty() ? "unknown" : report.m_strFile + " " + std::to_string(report.m_nIndex);
+}
+
+void PrintReports(const std::vector<SComponentReport>& reports) {
+    std::array<std::size_t, 3> widths{};
+    const auto columns = [](const SComponentReport& report) {
+        return std::array<std::string, 3>{report.m_strType, report.m_strName, PlaceText(report)};
+    };
+    for (const SComponentReport& report : reports) {
+        for (std::size_t i = 0; i < widths.size(); ++i) widths[i] = std::max(widths[i], columns(report)[i].size());
+    }
+    for (const SComponentReport& report : reports) {
+        std::string line;
+        for (std::size_t i = 0; i < widths.size(); ++i) line += Padded(columns(report)[i], widths[i] + 2);
+        std::puts((line + (report.m_strVendor.empty() ? "-" : report.m_strVendor)).c_str());
+        PrintWords("extensions", report.m_extensions);
+        PrintWords("protocols", report.m_protocols);
+        PrintWords("can", report.m_capabilities);
+        PrintWords("settings", SettingTexts(report.m_settings));
+        PrintTargets(report.m_targets);
+    }
+}
+
+void PrintReportsJson(const CPluginSession& session, const std::vector<SComponentReport>& reports) {
+    nlohmann::ordered_json components = nlohmann::ordered_json::array();
+    for (const SComponentReport& report : reports) components.push_back(ToJson(report));
+    PrintJson({{"directory", session.GetDirectory()}, {"components", std::move(components)}});
+}
+
+int RunList(const SListOptions& options) {
+    const CPluginSession session(options.m_plugins);
+    CallPlugins(session.GetDirectory(), [&] {
+        std::vector<SComponentReport> reports;
+        for (const CComPtr<IAudioComponent>& component : session.GetComponents()) {
+            reports.push_back(ReportOn(session, *component));
+        }
+        if (options.m_bJson) {
+            PrintReportsJson(session, reports);
+        } else {
+            PrintReports(reports);
+        }
     });
     return 0;
 }
 
 std::function<int()> DefineList(CLI::App& app) {
-    const auto options = std::make_shared<SPluginOptions>();
-    AddPluginOptions(app, *options);
+    const auto options = std::make_shared<SListOptions>();
+    AddPluginOptions(app, options->m_plugins);
+    app.add_flag("--json", options->m_bJson, "Print JSON");
     return [options] { return RunList(*options); };
 }
 
 }  // namespace
 
 const SCommand kListCommand = {"list", "List the components of the plug-ins",
-                               "Example: keloaudio list --plugins /opt/kelo/plugins", DefineList};
+                               "Examples:\n"
+                               "  keloaudio list\n"
+                               "  keloaudio list --json | jq '.components[] | select(.type == \"decoder\").extensions'",
+                               DefineList};

@@ -7,6 +7,7 @@
 
 #include "host/Failure.h"
 #include "host/FailureText.h"
+#include "host/InfoCommand.h"
 #include "host/ListCommand.h"
 #include "host/SettingsCommand.h"
 #include "host/StandardOutput.h"
@@ -17,6 +18,7 @@ namespace {
 
 constexpr const SCommand* kCommands[] = {
     &kListCommand,
+    &kInfoCommand,
     &kConvertCommand,
     &kSettingsCommand,
 };
