@@ -61,11 +61,22 @@ kelo_debian_package(development
 Headers, a CMake package and pkg-config files for hosts, which load audio
 plug-ins, and for the plug-ins themselves.")
 
+# Loaded at the first use of the plug-ins that need them.
+set(loaded_by_plugins "")
+if(TARGET kelo_curl)
+  list(APPEND loaded_by_plugins "libcurl4 | libcurl3-gnutls")
+endif()
+if(TARGET kelo_libav)
+  string(REGEX MATCH "^[0-9]+" libavformat_major ${KELO_LIBAV_libavformat_VERSION})
+  list(APPEND loaded_by_plugins libavformat${libavformat_major})
+endif()
+list(JOIN loaded_by_plugins ", " loaded_by_plugins)
+
 kelo_debian_package(plugins
   NAME kelo-audio-plugins
   SECTION sound
   DEPENDS "libkeloaudiopluginmgr0 (>= ${PROJECT_VERSION})"
-  RECOMMENDS "libavcodec59, libavformat59, libavutil57, libcurl4, libswresample4"
+  RECOMMENDS "${loaded_by_plugins}"
   DESCRIPTION "audio plug-in manager - reference plug-ins
 Decoders, encoders, a convertor of sample formats and a URL handler for
 programs that use the audio plug-in manager.")

@@ -1,6 +1,11 @@
 # shellcheck shell=bash
 # Debian packages that the scripts of this project need. Sourced, not run.
 
+# What every build needs.
+# shellcheck disable=SC2034
+build_packages=(g++ cmake ninja-build pkg-config gettext libgtk2.0-dev libsndfile1-dev libsoxr-dev libcurl4-openssl-dev
+  libavformat-dev libavcodec-dev libavutil-dev libcli11-dev nlohmann-json3-dev)
+
 # Installs those of the named packages that are missing. Only root can; anybody else gets the line to run, and the
 # script ends.
 require_packages() {
