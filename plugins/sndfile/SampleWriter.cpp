@@ -6,10 +6,10 @@
 #include <cstdint>
 
 #include "plugins/sndfile/Id3Tag.h"
-#include "plugins/sndfile/LongWav.h"
 #include "plugins/sndfile/OutputSettings.h"
 #include "plugins/sndfile/SamplePacking.h"
 #include "plugins/sndfile/Tags.h"
+#include "plugins/sndfile/WrittenHeader.h"
 
 namespace {
 
@@ -142,15 +142,18 @@ void CSampleWriter::Finish() {
 // Closes the file in any case. Empty, or what went wrong with it from creation on.
 std::string CSampleWriter::Complete() {
     m_file->CloseHandle();
-    if (m_output.m_nFormat == SF_FORMAT_WAV) CompleteLongWav();
+    CorrectHeader();
     m_file->Close();
     const std::string reason = m_file->Reason();
     m_file.reset();
+    // libsndfile would leave headers that no decoder takes.
+    if (reason.empty() && m_nFrames == 0 && m_output.m_eCoding == OC_OPUS) return "Opus has no sounds without a frame";
     return reason;
 }
 
-void CSampleWriter::CompleteLongWav() {
-    const SWavSizes sizes{m_file->Size(), static_cast<std::uint64_t>(m_nFrames * BlockSizeOf(m_format)),
-                          static_cast<std::uint64_t>(m_nFrames)};
-    if (sizes.NeedLongHeader()) m_file->ReplaceStart(LongHeader(m_file->Header(), sizes));
+void CSampleWriter::CorrectHeader() {
+    const SWrittenSizes sizes{m_file->Size(), static_cast<std::uint64_t>(m_nFrames * BlockSizeOf(m_format)),
+                              static_cast<std::uint64_t>(m_nFrames)};
+    if (m_output.m_nFormat == SF_FORMAT_WAV) m_file->ReplaceStart(CorrectedWavHeader(m_file->Header(), sizes));
+    if (m_output.m_nFormat == SF_FORMAT_AIFF) m_file->ReplaceStart(CorrectedAiffHeader(m_file->Header(), sizes));
 }

@@ -25,7 +25,7 @@ private:
     sf_count_t WritePieces(const unsigned char* data, sf_count_t frames);
     sf_count_t WritePiece(const unsigned char* data, sf_count_t frames);
     void RequireRoom(std::int64_t frames) const;
-    void CompleteLongWav();
+    void CorrectHeader();
     std::string Complete();
 
     const SOutputFormat& m_output;
