@@ -59,6 +59,8 @@ install(FILES
   DESTINATION ${KELO_INSTALL_PACKAGEDIR}
   COMPONENT development)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/doc/ DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development
+  FILES_MATCHING PATTERN "*.md")
 kelo_install_pkgconfig(keloaudiopluginmgr.pc)
 kelo_install_pkgconfig(keloaudiopluginmgr-plugin.pc)
 
