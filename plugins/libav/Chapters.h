@@ -1,0 +1,10 @@
+// Where the chapters of a media file begin.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "plugins/libav/LibavObjects.h"
+
+// Positions in sample frames, ascending; empty for a file without chapters.
+std::vector<std::uint64_t> ChapterStartsOf(const AVFormatContext& context, int sampleRate);

@@ -1,0 +1,58 @@
+// The decoded blocks of a sound track with their positions in the sound.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "plugins/libav/Timeline.h"
+#include "plugins/libav/Track.h"
+
+// Positions are sample frames, counted as the codec delivers them from the beginning on. [stream-thread]
+class CPositionedTrack {
+public:
+    // Stands on the first block. Throws the reason against the file.
+    explicit CPositionedTrack(std::shared_ptr<const CInputFile> file);
+
+    const CTrack& Track() const { return *m_track; }
+    const AVFrame& Block() const { return m_track->Block(); }
+    std::int64_t BlockStart() const { return m_nBlockStart; }
+    std::int64_t BlockEnd() const { return m_nBlockStart + m_nBlockFrames; }
+
+    // Steps to the next block; false at the end, where an empty block lies. Throws CDamage.
+    bool Next();
+
+    // To the first block, with everything as after opening. Throws as the constructor does.
+    void Restart();
+
+    // To the block that holds `position`, by the file's timestamps. False where they do not lead there to the frame;
+    // then the place is lost until Restart.
+    bool Approach(std::int64_t position);
+
+    // Where the sound ends, by the timestamps of its end; none where they do not tell it to the frame. The place is
+    // lost until Restart. Throws CDamage.
+    std::optional<std::int64_t> FindEnd();
+
+private:
+    void BeginCount();
+    bool LearnEnough();
+    bool IsLossless() const;
+    bool ApproachFrom(std::int64_t start, std::int64_t position);
+    bool Jump(std::int64_t time);
+    bool NextOfRun();
+    void NoteStamp();
+    bool HasTrueTimes() const;
+    std::optional<std::int64_t> LateTime();
+
+    std::shared_ptr<const CInputFile> m_file;
+    std::unique_ptr<CTrack> m_track;
+    std::optional<CTimeline> m_timeline;
+    std::int64_t m_nBlockStart = 0;  // behind a jump, counted from there
+    std::int64_t m_nBlockFrames = 0;
+    bool m_bFromBeginning = true;
+    std::vector<SStamp> m_vRun;  // blocks behind a jump whose timestamps agree
+    SStamp m_last{};             // the run's last block
+    int m_nUncounted = 0;        // packets behind a jump that are still to come
+    int m_nRefused = 0;          // packets since the jump
+};

@@ -1,0 +1,55 @@
+// From timestamps to positions in the sound.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "plugins/libav/LibavObjects.h"
+
+// A block's timestamp and its first frame, counted from the beginning of the sound or from somewhere else.
+struct SStamp {
+    std::int64_t m_nTime;
+    std::int64_t m_nFrame;
+};
+
+// Learns from the blocks at the beginning, whose positions are known by counting, how a file's timestamps stand to
+// positions. Many containers round them to units that are coarser than a sample, a few let the roundings add up.
+// [stream-thread]
+class CTimeline {
+public:
+    CTimeline(AVRational timeBase, int sampleRate);
+
+    // Each block in turn.
+    void Learn(const SStamp& stamp);
+
+    // Whether the timestamps of two blocks differ by what lies between the blocks.
+    bool Continues(const SStamp& earlier, const SStamp& later) const;
+
+    // Whether more blocks would tell no more.
+    bool KnowsEnough() const { return m_vKnown.size() >= (m_bExact ? 1 : kMostKnown); }
+
+    // Whether it has learnt anything.
+    bool IsEmpty() const { return m_vKnown.empty(); }
+
+    // The timestamp of a position, or one shortly before.
+    std::int64_t TimeAt(std::int64_t position) const;
+
+    // About the position of a timestamp.
+    std::int64_t PositionNear(std::int64_t time) const;
+
+    // The position from which `run`, blocks in turn from anywhere in the file, counts its frames. None when the
+    // timestamps do not tell it to the frame.
+    std::optional<std::int64_t> Locate(const std::vector<SStamp>& run) const;
+
+private:
+    static constexpr std::size_t kMostKnown = 32;
+
+    std::optional<std::int64_t> LocateBySteps(const std::vector<SStamp>& run) const;
+    std::optional<std::int64_t> LocateByTime(const std::vector<SStamp>& run) const;
+    double FramesOf(std::int64_t time) const { return static_cast<double>(time) * m_fFramesPerUnit; }
+
+    double m_fFramesPerUnit;
+    bool m_bExact;  // every position has a timestamp of its own
+    std::vector<SStamp> m_vKnown;
+};
