@@ -35,11 +35,9 @@ constexpr SChunkLayout kRiff = {12, 4, 4, 0, 2, FromLittleEndian};
 constexpr SChunkLayout kBigRiff = {12, 4, 4, 0, 2, FromBigEndian};
 constexpr SChunkLayout kW64 = {40, 16, 8, 24, 8, FromLittleEndian};
 constexpr SChunkLayout kCaf = {8, 4, 8, 0, 1, FromBigEndian};
-constexpr SFormatLayout kFormats[] = {{"WAV", kRiff, "data", 0},
-                                      {"AIFF", kBigRiff, "SSND", 8},
-                                      {"AIFC", kBigRiff, "SSND", 8},
-                                      {"W64", kW64, "data", 0},
-                                      {"CAF", kCaf, "data", 4}};
+constexpr SFormatLayout kFormats[] = {{"WAV", kRiff, "data", 0},     {"AIFF", kBigRiff, "SSND", 8},
+                                      {"AIFC", kBigRiff, "SSND", 8}, {"IFF", kBigRiff, "BODY", 0},
+                                      {"W64", kW64, "data", 0},      {"CAF", kCaf, "data", 4}};
 
 // The first chunk of that name.
 std::optional<SChunk> FindChunk(CFileBytes& file, const SChunkLayout& layout, std::string_view name) {

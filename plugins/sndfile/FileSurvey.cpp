@@ -90,6 +90,7 @@ bool HasSpeakers(CFileBytes& file) {
 void SurveyOgg(CFileBytes& file, SFileSurvey& survey) {
     survey.m_bSpeakersKnown = HasSpeakers(file);
     const SOggEnd end = FindOggEnd(file);
+    survey.m_bChained = IsOggChain(file, end);
     if (!end.m_bCutShort) return;
     survey.m_bEndMissing = true;
     // Half a page at the end hides from the codec where the pages before it end.

@@ -17,6 +17,7 @@ struct SFileSurvey {
     bool m_bEndMissing = false;           // the file is cut short for sure, whatever the codec delivers
     sf_count_t m_nPromised = 0;           // frames that the file declares or that were counted; 0 unknown
     sf_count_t m_nCounted = 0;            // frames that the codec has to know of; 0 not counted
+    bool m_bChained = false;              // Ogg: further streams follow the first one
     bool m_bSpeakersKnown = true;         // channels are those of speakers, in the order of the coding
     std::string m_strRefusal;             // why there is nothing to deliver; empty when there may be
 };

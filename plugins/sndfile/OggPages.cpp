@@ -1,17 +1,24 @@
-// Where the pages of an Ogg file end.
+// The pages of an Ogg file.
 #include "plugins/sndfile/OggPages.h"
 
+#include <algorithm>
 #include <optional>
+#include <vector>
 
 namespace {
 
-// RFC 3533, 6: 27 bytes, of which 5 is the header type, 26 the count of lacing values that follow.
+// RFC 3533, 6: 27 bytes, of which 5 is the header type, 14 the stream's serial number, 18 the page's number in it, 26
+// the count of lacing values that follow.
 constexpr std::size_t kHeaderBytes = 27;
+constexpr char kBeginOfStream = 2;
 constexpr char kEndOfStream = 4;
 constexpr std::uint64_t kMostPageBytes = 65307;
 
 struct SPage {
     std::uint64_t m_nEnd;
+    std::uint64_t m_nSerial;
+    std::uint64_t m_nNumber;
+    bool m_bBeginsStream;
     bool m_bEndsStream;
     bool m_bEndsInPacket;
 };
@@ -25,7 +32,12 @@ std::optional<SPage> PageAt(CFileBytes& file, std::uint64_t at) {
     const std::string_view lacing = header.substr(kHeaderBytes, count);
     std::uint64_t end = at + kHeaderBytes + count;
     for (const char value : lacing) end += static_cast<unsigned char>(value);
-    return SPage{end, (header[5] & kEndOfStream) != 0, !lacing.empty() && lacing.back() == '\xFF'};
+    return SPage{end,
+                 FromLittleEndian(header.substr(14, 4)),
+                 FromLittleEndian(header.substr(18, 4)),
+                 (header[5] & kBeginOfStream) != 0,
+                 (header[5] & kEndOfStream) != 0,
+                 !lacing.empty() && lacing.back() == '\xFF'};
 }
 
 // From `at` on; the end of the file when there is none.
@@ -44,6 +56,30 @@ std::uint64_t FindPage(CFileBytes& file, std::uint64_t at) {
     }
 }
 
+// Of the streams whose first pages stand together at the beginning.
+std::vector<std::uint64_t> FirstSerials(CFileBytes& file) {
+    std::vector<std::uint64_t> serials;
+    for (std::uint64_t at = 0;;) {
+        const auto page = PageAt(file, at);
+        if (!page || !page->m_bBeginsStream) return serials;
+        serials.push_back(page->m_nSerial);
+        at = page->m_nEnd;
+    }
+}
+
+// A few pages all over the file show it of any stream that was put there more than once.
+bool StartsAnew(CFileBytes& file, std::uint64_t serial) {
+    constexpr std::uint64_t kProbes = 8;
+    std::uint64_t before = 0;
+    for (std::uint64_t probe = 0; probe < kProbes; ++probe) {
+        const auto page = PageAt(file, FindPage(file, file.Size() * probe / kProbes));
+        if (!page || page->m_nSerial != serial) continue;
+        if (page->m_nNumber < before) return true;
+        before = page->m_nNumber;
+    }
+    return false;
+}
+
 }  // namespace
 
 SOggEnd FindOggEnd(CFileBytes& file) {
@@ -60,10 +96,17 @@ SOggEnd FindOggEnd(CFileBytes& file) {
         }
         last = page;
         at = end.m_nAt = page->m_nEnd;
+        end.m_nSerial = page->m_nSerial;
     }
     const bool complete = last && last->m_bEndsStream;
     const bool inPacket = last && last->m_bEndsInPacket;
     const bool inPage = end.m_nAt < size && (!complete || file.At(end.m_nAt, 4) == "OggS");
     end.m_bCutShort = inPage || (inPacket && !complete);
     return end;
+}
+
+bool IsOggChain(CFileBytes& file, const SOggEnd& end) {
+    const std::vector<std::uint64_t> serials = FirstSerials(file);
+    if (serials.empty() || end.m_nAt == 0) return false;
+    return std::find(serials.begin(), serials.end(), end.m_nSerial) == serials.end() || StartsAnew(file, serials[0]);
 }

@@ -1,4 +1,4 @@
-// Where the pages of an Ogg file end (RFC 3533, 6).
+// The pages of an Ogg file (RFC 3533, 6).
 #pragma once
 
 #include <cstdint>
@@ -6,8 +6,13 @@
 #include "plugins/sndfile/FileBytes.h"
 
 struct SOggEnd {
-    std::uint64_t m_nAt = 0;   // behind the last whole page
-    bool m_bCutShort = false;  // inside a page or a packet, with the end of the stream missing
+    std::uint64_t m_nAt = 0;      // behind the last whole page, 0 without any
+    std::uint64_t m_nSerial = 0;  // of the stream that the page belongs to
+    bool m_bCutShort = false;     // inside a page or a packet, with the end of the stream missing
 };
 
 SOggEnd FindOggEnd(CFileBytes& file);
+
+// Whether streams follow one another (RFC 3533, 4): the last page belongs to none of those that begin the file, or the
+// numbers of the pages start anew on the way.
+bool IsOggChain(CFileBytes& file, const SOggEnd& end);

@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cstring>
 
 #include "sdk/Guard.h"
@@ -17,13 +18,18 @@ struct SSignature {
 };
 
 constexpr SSignature kSignatures[] = {
-    {"RIFF", "WAVE", "WAV"},  {"RIFX", "WAVE", "WAV"}, {"RF64", "WAVE", "WAV"}, {"FORM", "AIFF", "AIFF"},
-    {"FORM", "AIFC", "AIFC"}, {".snd", "", "AU"},      {"dns.", "", "AU"},      {"caff", "", "CAF"},
-    {"riff", "", "W64"},      {"fLaC", "", "FLAC"},    {"OggS", "", "Ogg"},     {"ID3", "", "MP3"},
+    {"RIFF", "WAVE", "WAV"},       {"RIFX", "WAVE", "WAV"},      {"RF64", "WAVE", "WAV"},
+    {"FORM", "AIFF", "AIFF"},      {"FORM", "AIFC", "AIFC"},     {"FORM", "8SVX", "IFF"},
+    {"FORM", "16SV", "IFF"},       {".snd", "", "AU"},           {"dns.", "", "AU"},
+    {"caff", "", "CAF"},           {"riff", "", "W64"},          {"fLaC", "", "FLAC"},
+    {"OggS", "", "Ogg"},           {"ID3", "", "MP3"},           {"Creative Voice", "", "VOC"},
+    {"NIST_1A", "", "NIST"},       {"2BIT", "", "AVR"},          {"PVF1", "", "PVF"},
+    {" paf", "", "PAF"},           {"fap ", "", "PAF"},          {"MATLAB 5.0", "", "MAT5"},
+    {"Extended Instru", "", "XI"}, {"ALawSoundFile", "", "WVE"},
 };
 
 std::string FormatNameOf(int descriptor) {
-    char start[12] = {};
+    char start[16] = {};
     if (::pread(descriptor, start, sizeof start, 0) <= 0) return {};
     for (const SSignature& signature : kSignatures) {
         if (std::memcmp(start, signature.m_strStart, std::strlen(signature.m_strStart)) == 0 &&
@@ -87,6 +93,8 @@ CSoundFile::CSoundFile(CFileDescriptor descriptor, std::string formatName)
 
 // The codec gets no name: by some names it would take any bytes for headerless audio.
 void CSoundFile::OpenHandle() {
+    if (m_survey.m_bChained)
+        Refuse("not readable as Ogg audio: a chain of streams, of which only the first would be heard");
     m_info = {};
     m_handle.reset(m_spliced != nullptr ? m_spliced->OpenHandle(m_info)
                                         : sf_open_fd(m_descriptor.Get(), SFM_READ, &m_info, SF_FALSE));
@@ -118,12 +126,16 @@ void CSoundFile::Promise() {
     const bool counted = container == SF_FORMAT_FLAC || (container == SF_FORMAT_MPEG && m_survey.m_splice);
     if (counted && m_survey.m_nPromised == 0 && m_info.frames < SF_COUNT_MAX) m_survey.m_nPromised = m_info.frames;
 
-    if (!m_survey.m_extent || !m_survey.m_extent->IsCutShort()) return;
+    if (!m_survey.m_extent) return;
     const int frameBytes = SampleBytesOf(m_info.format & SF_FORMAT_SUBMASK) * m_info.channels;
+    const auto declared = static_cast<sf_count_t>(m_survey.m_extent->m_nDeclared);
     if (frameBytes == 0) {
-        m_survey.m_bEndMissing = true;
-    } else {
-        m_survey.m_nPromised = static_cast<sf_count_t>(m_survey.m_extent->m_nDeclared) / frameBytes;
+        m_survey.m_bEndMissing = m_survey.m_extent->IsCutShort();
+    } else if (m_survey.m_extent->IsCutShort()) {
+        m_survey.m_nPromised = declared / frameBytes;
+    } else if (container == SF_FORMAT_SVX && declared != 0) {
+        // libsndfile 1.2.0 counts the byte that pads odd samples among them.
+        m_info.frames = std::min(m_info.frames, declared / frameBytes);
     }
 }
 

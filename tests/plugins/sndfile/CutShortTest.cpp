@@ -113,7 +113,8 @@ INSTANTIATE_TEST_SUITE_P(SndfileCutShort, CCutContainer,
                                          SContainer{"x.aiff", ""}, SContainer{"x.aifc", ""},
                                          SContainer{"law.aifc", "-e a-law"}, SContainer{"x.au", ""},
                                          SContainer{"double.au", "-e float -b 64"}, SContainer{"x.caf", ""},
-                                         SContainer{"x.w64", ""}, SContainer{"deep.w64", "-b 24"}),
+                                         SContainer{"x.8svx", ""}, SContainer{"x.w64", ""},
+                                         SContainer{"deep.w64", "-b 24"}),
                          [](const auto& parameter) {
                              std::string name = parameter.param.m_strName;
                              return name.replace(name.find('.'), 1, "_");

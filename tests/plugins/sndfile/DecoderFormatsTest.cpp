@@ -1,4 +1,6 @@
 // Decoded samples against hand-made files and against the codecs' own tools.
+#include <sndfile.h>
+
 #include <cmath>
 
 #include "tests/plugins/sndfile/AudioFiles.h"
@@ -18,6 +20,15 @@ void ExpectFormat(const std::string& path, const SWavFormat& expected) {
     EXPECT_EQ(format.nSampleRate, expected.nSampleRate) << path;
     EXPECT_EQ(format.nBitsPerSample, expected.nBitsPerSample) << path;
     EXPECT_EQ(format.nChannels, expected.nChannels) << path;
+}
+
+// A sample of packed PCM at the top of an integer.
+int Widened(const std::string& sample) {
+    std::uint32_t value = 0;
+    for (std::size_t i = 0; i < sample.size(); ++i) {
+        value |= static_cast<std::uint32_t>(static_cast<unsigned char>(sample[i])) << (8 * (4 - sample.size() + i));
+    }
+    return static_cast<int>(sample.size() == 1 ? value ^ 0x80000000u : value);
 }
 
 class CWidth : public testing::TestWithParam<int> {};
@@ -122,6 +133,82 @@ TEST(SndfileDecoder, OpensAFileOfEveryExtension) {
     ExpectFormat(scratch / "x.oga", {44100, 16, 2});
     ExpectFormat(scratch / "x.opus", {48000, 16, 2});
     ExpectFormat(scratch / "x.mp3", {44100, 16, 2});
+}
+
+// Formats that few programs write, by sox's name for them.
+TEST(SndfileDecoder, OpensFilesOfSeldomExtensions) {
+    struct SRow {
+        const char* m_strName;
+        const char* m_strOptions;
+        int m_nBits;
+    };
+    CScratchDirectory scratch;
+    RunTool("sox -D " + kVoice + " -r 8000 -b 8 " + scratch / "8.wav");
+    RunTool("sox -D " + kVoice + " -r 8000 -b 16 " + scratch / "16.wav");
+    for (const SRow& row : {SRow{"x.bwf", "-t wav", 16},  SRow{"x.amb", "", 16},        SRow{"x.avr", "", 16},
+                            SRow{"x.fap", "", 16},        SRow{"x.paf", "-t paf", 16},  SRow{"x.htk", "", 16},
+                            SRow{"x.mat", "-t mat4", 16}, SRow{"x.mat", "-t mat5", 16}, SRow{"x.pvf", "", 16},
+                            SRow{"x.sds", "", 16},        SRow{"x.sf", "", 16},         SRow{"x.ircam", "", 16},
+                            SRow{"x.sph", "", 16},        SRow{"x.nist", "", 16},       SRow{"x.voc", "", 16},
+                            SRow{"x.w64", "", 16},        SRow{"x.8svx", "", 8},        SRow{"x.iff", "-t 8svx", 8},
+                            SRow{"x.svx", "-t 8svx", 8},  SRow{"x.voc", "-b 8", 8}}) {
+        const std::string source = scratch / (std::to_string(row.m_nBits) + ".wav");
+        RunTool("sox -D " + source + " " + row.m_strOptions + " " + scratch / row.m_strName);
+        ExpectFormat(scratch / row.m_strName, {8000, row.m_nBits, 1});
+        const std::string decoded = Decoded(scratch / row.m_strName);
+        EXPECT_EQ(decoded.size(), Decoded(source).size()) << row.m_strName << row.m_strOptions;
+        // The codec's own writer stores -1 as 0 in this one.
+        const int tolerance = std::string(row.m_strName) == "x.sds" ? 1 : 0;
+        EXPECT_LE(GreatestDifference(decoded, Decoded(source)), tolerance) << row.m_strName << row.m_strOptions;
+    }
+    // Differences of samples, at a rate of its own.
+    RunTool("sox -D " + scratch / "16.wav" + " " + scratch / "x.xi");
+    ExpectFormat(scratch / "x.xi", {44100, 16, 1});
+    EXPECT_TRUE(Decoded(scratch / "x.xi") == Decoded(scratch / "16.wav"));
+    // A-law.
+    RunTool("sox -D " + scratch / "16.wav" + " " + scratch / "x.wve");
+    RunTool("sox -D " + scratch / "16.wav" + " -e a-law " + scratch / "law.wav");
+    EXPECT_TRUE(Decoded(scratch / "x.wve") == Decoded(scratch / "law.wav"));
+}
+
+TEST(SndfileDecoder, DecodesLayerIIAsMpg123Does) {
+    CScratchDirectory scratch;
+    MakeMusic(scratch / "x.wav");
+    RunTool("ffmpeg -y -v error -i " + scratch / "x.wav" + " -c:a mp2 -b:a 192k " + scratch / "x.mp2");
+    RunTool("mpg123 -q -e s16 -O " + scratch / "x.raw" + " " + scratch / "x.mp2");
+    ExpectFormat(scratch / "x.mp2", {44100, 16, 2});
+    const std::string expected = Content(scratch / "x.raw");
+    const std::string decoded = Decoded(scratch / "x.mp2");
+    EXPECT_GT(expected.size(), 0u);
+    EXPECT_EQ(decoded.size(), expected.size());
+    EXPECT_LE(GreatestDifference(decoded, expected), 1);
+}
+
+// Codings that no other tool at hand writes.
+TEST(SndfileDecoder, KeepsTheWidthOfAlacAndOfDifferences) {
+    CScratchDirectory scratch;
+    struct SRow {
+        int m_nFormat;
+        int m_nBits;
+    };
+    for (const SRow& row : {SRow{SF_FORMAT_CAF | SF_FORMAT_ALAC_16, 16}, SRow{SF_FORMAT_CAF | SF_FORMAT_ALAC_24, 24},
+                            SRow{SF_FORMAT_XI | SF_FORMAT_DPCM_8, 8}, SRow{SF_FORMAT_XI | SF_FORMAT_DPCM_16, 16},
+                            SRow{SF_FORMAT_SVX | SF_FORMAT_PCM_16, 16}, SRow{SF_FORMAT_MPC2K | SF_FORMAT_PCM_16, 16}}) {
+        const SWavFormat format{44100, row.m_nBits, 1};
+        const std::string samples = RandomBytes(static_cast<std::size_t>(BlockSizeOf(format)) * 5000);
+        SF_INFO info = {};
+        info.samplerate = 44100;
+        info.channels = 1;
+        info.format = row.m_nFormat;
+        SNDFILE* const file = sf_open((scratch / "x").c_str(), SFM_WRITE, &info);
+        for (std::size_t at = 0; at < samples.size(); at += static_cast<std::size_t>(row.m_nBits) / 8) {
+            const int sample = Widened(samples.substr(at, static_cast<std::size_t>(row.m_nBits) / 8));
+            ASSERT_EQ(sf_write_int(file, &sample, 1), 1);
+        }
+        ASSERT_EQ(sf_close(file), 0);
+        ExpectFormat(scratch / "x", format);
+        EXPECT_TRUE(Decoded(scratch / "x") == samples) << std::hex << row.m_nFormat;
+    }
 }
 
 TEST(SndfileDecoder, DecodesFlacToTheBitAsFlacDoes) {

@@ -49,6 +49,8 @@ TEST(SndfileRefusals, NameTheFormatThatTheFileBeginsWith) {
     CScratchDirectory scratch;
     EXPECT_EQ(RefusalOf(scratch.Write("cut.wav", Content(kVoice).substr(0, 30))),
               "cut.wav: not readable as WAV audio: Error in WAV file. No 'data' chunk marker.");
+    EXPECT_EQ(RefusalOf(scratch.Write("cut.voc", "Creative Voice File")),
+              "cut.voc: not readable as VOC audio: Error in VOC file, no 'Creative Voice File' marker.");
     RunTool("flac -s -f -o " + scratch / "whole.flac" + " " + kVoice);
     const std::string reason = RefusalOf(scratch.Write("cut.flac", Content(scratch / "whole.flac").substr(0, 30)));
     EXPECT_EQ(reason.rfind("cut.flac: not readable as FLAC audio: ", 0), 0u) << reason;
@@ -59,6 +61,22 @@ TEST(SndfileRefusals, DoNotTakeAnyBytesForHeaderlessAudioByTheirName) {
     for (const char* const name : {"x.au", "x.gsm", "x.vox", "x.ul", "x.snd"}) {
         EXPECT_NE(RefusalOf(scratch.Write(name, RandomBytes(3000))), "") << name;
     }
+}
+
+// The codec would deliver the first one and say nothing of the others.
+TEST(SndfileRefusals, TellAChainOfOggStreams) {
+    CScratchDirectory scratch;
+    const std::string reason =
+        ": not readable as Ogg audio: a chain of streams, of which only the first would be heard";
+    RunTool("opusenc --quiet " + kVoice + " " + scratch / "voice.opus");
+    const std::string bell = Content(kBell);
+    const std::string alarm = Content(kAlarm);
+    const std::string voice = Content(scratch / "voice.opus");
+    EXPECT_EQ(RefusalOf(scratch.Write("two.ogg", bell + alarm)), "two.ogg" + reason);
+    EXPECT_EQ(RefusalOf(scratch.Write("three.ogg", alarm + bell + alarm)), "three.ogg" + reason);
+    EXPECT_EQ(RefusalOf(scratch.Write("same.ogg", alarm + alarm)), "same.ogg" + reason);
+    EXPECT_EQ(RefusalOf(scratch.Write("same.opus", voice + voice + voice)), "same.opus" + reason);
+    EXPECT_EQ(RefusalOf(scratch.Write("mixed.ogg", bell + voice)), "mixed.ogg" + reason);
 }
 
 TEST(SndfileRefusals, AreSilentWithoutAStatusPointer) {
