@@ -1,10 +1,11 @@
 // Which conversions exist.
 #include "plugins/soxr/ConversionPlan.h"
 
+#include "plugins/soxr/ChannelMap.h"
+
 namespace {
 
 constexpr int kHighestRate = 768000;
-constexpr int kMostChannels = 8;
 
 // Measured: libsoxr 0.1.3 never returns for slightly larger factors than this.
 constexpr int kLargestRateFactor = 1 << 19;
@@ -13,12 +14,9 @@ bool IsRate(int rate) { return rate >= 1 && rate <= kHighestRate; }
 
 bool IsWidth(int bits) { return bits == 8 || bits == 16 || bits == 24 || bits == 32; }
 
-bool AreRates(int from, int to) { return IsRate(from) && IsRate(to) && to / from <= kLargestRateFactor; }
+bool IsQualifier(int qualifier) { return qualifier == kIntegerSamples || qualifier == kFloatSamples; }
 
-bool AreChannels(int from, int to) {
-    if (from == to) return from >= 1 && from <= kMostChannels;
-    return (from == 1 && to == 2) || (from == 2 && to == 1);
-}
+bool AreRates(int from, int to) { return IsRate(from) && IsRate(to) && to / from <= kLargestRateFactor; }
 
 std::string CannotMap(int from, const std::string& what, int to) {
     return "cannot map " + std::to_string(from) + what + " to " + std::to_string(to);
@@ -29,7 +27,7 @@ std::string CannotMap(int from, const std::string& what, int to) {
 std::string WhyNotConvertible(const SHeldWavFormat& from, const SHeldWavFormat& to) {
     const SWavFormat& source = from.m_format;
     const SWavFormat& target = to.m_format;
-    if (from.m_nQualifier != 0 || to.m_nQualifier != 0) {
+    if (!IsQualifier(from.m_nQualifier) || !IsQualifier(to.m_nQualifier)) {
         return "cannot map format qualifier " + std::to_string(from.m_nQualifier) + " to " +
                std::to_string(to.m_nQualifier);
     }
@@ -39,8 +37,15 @@ std::string WhyNotConvertible(const SHeldWavFormat& from, const SHeldWavFormat& 
     if (!IsWidth(source.nBitsPerSample) || !IsWidth(target.nBitsPerSample)) {
         return CannotMap(source.nBitsPerSample, " bits", target.nBitsPerSample);
     }
-    if (!AreChannels(source.nChannels, target.nChannels)) {
-        return CannotMap(source.nChannels, " channels", target.nChannels);
+    for (const SHeldWavFormat& format : {from, to}) {
+        if (HasFloatSamples(format) && format.m_format.nBitsPerSample != 32) {
+            return "cannot map float samples of " + std::to_string(format.m_format.nBitsPerSample) +
+                   " bits, only of 32";
+        }
+    }
+    if (!AreMappedChannels(source.nChannels, target.nChannels)) {
+        return CannotMap(source.nChannels, " channels", target.nChannels) +
+               "; channels are kept, mixed down to 2 or 1, " + "or doubled from 1 to 2";
     }
     return {};
 }

@@ -1,7 +1,7 @@
 // The dialog in which a person chooses the resampling quality.
 #pragma once
 
-#include "plugins/soxr/ResamplingQuality.h"
+#include "plugins/soxr/ConversionSettings.h"
 
 struct _GtkWindow;
 

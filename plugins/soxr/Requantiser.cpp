@@ -1,37 +1,81 @@
-// Reduction of 32-bit samples to a narrower width.
+// Real samples to integers.
 #include "plugins/soxr/Requantiser.h"
 
 #include <algorithm>
-#include <limits>
+#include <cmath>
+
+#include "plugins/soxr/Rounding.h"
 
 namespace {
 
 constexpr int kWidestDithered = 16;
 
-// Rounds each sample plus `noise()` to a multiple of 2^dropped, halves up.
-template <typename TNoise>
-void Round(std::int32_t* samples, std::size_t count, unsigned dropped, TNoise noise) {
-    const std::int64_t step = std::int64_t{1} << dropped;
-    const std::int64_t half = step / 2;
-    const std::int64_t lowest = std::numeric_limits<std::int32_t>::min();
-    const std::int64_t highest = std::numeric_limits<std::int32_t>::max() - (step - 1);
-    for (std::size_t i = 0; i < count; ++i) {
-        const std::int64_t rounded = (samples[i] + half + noise()) & -step;
-        samples[i] = static_cast<std::int32_t>(std::clamp(rounded, lowest, highest));
-    }
-}
-
 }  // namespace
 
-CRequantiser::CRequantiser(int workingBits, int targetBits)
-    : m_nDropped(workingBits > targetBits ? static_cast<unsigned>(32 - targetBits) : 0),
-      m_bDithers(targetBits <= kWidestDithered) {}
+EDither EffectiveDither(EDither wanted, bool losesBits, int targetBits, int targetRate) {
+    if (!losesBits || targetBits > kWidestDithered) return EDither::None;
+    if (wanted == EDither::Shaped && targetRate < CNoiseShaper::kLowestRate) return EDither::Triangular;
+    return wanted;
+}
 
-void CRequantiser::Apply(std::int32_t* samples, std::size_t count) {
-    if (m_nDropped == 0) return;
-    if (m_bDithers) {
-        Round(samples, count, m_nDropped, [this] { return m_dither.Next(m_nDropped); });
-    } else {
-        Round(samples, count, m_nDropped, [] { return std::int64_t{0}; });
+template <typename TSample>
+CRequantiser<TSample>::CRequantiser(int targetBits, EDither dither, std::size_t channel)
+    : m_nFullScale(static_cast<TSample>(std::ldexp(1.0, targetBits - 1))),
+      m_nLimit(m_nFullScale + TSample{0.5}),
+      m_eDither(dither),
+      m_noise(dither, channel) {}
+
+template <typename TSample>
+void CRequantiser<TSample>::Apply(const TSample* samples, std::size_t count, std::int32_t* integers) {
+    for (std::size_t done = 0; done < count; done += kBlock) {
+        const std::size_t block = std::min(kBlock, count - done);
+        for (std::size_t i = 0; i < block; ++i) m_levels[i] = samples[done + i] * m_nFullScale;
+        std::fill(m_levels.begin() + static_cast<std::ptrdiff_t>(block), m_levels.end(), TSample{0});
+        if (!AreWithin(m_levels.data(), kBlock, m_nLimit)) Limit(block);
+        AddDither(block);
+        RoundHalvesUp(m_levels.data(), kBlock, -m_nFullScale, m_nFullScale - 1, m_rounded.data());
+        std::copy_n(m_rounded.begin(), block, integers + done);
     }
 }
+
+template <typename TSample>
+void CRequantiser<TSample>::Limit(std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+        if (std::abs(m_levels[i]) <= m_nLimit) continue;
+        ++m_nClipped;
+        m_levels[i] = std::isnan(m_levels[i]) ? 0 : std::clamp(m_levels[i], -m_nFullScale, m_nFullScale);
+    }
+}
+
+template <typename TSample>
+void CRequantiser<TSample>::AddDither(std::size_t count) {
+    switch (m_eDither) {
+        case EDither::None:
+            return;
+        case EDither::Rectangular:
+        case EDither::Triangular:
+            return m_noise.AddTo(m_levels.data(), count);
+        case EDither::Shaped:
+            return Shape(count);
+    }
+}
+
+// Rounds already: what is fed back is the error before the samples are limited to the range, which stays small.
+template <typename TSample>
+void CRequantiser<TSample>::Shape(std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+        const double shaped = m_shaper.Shape(m_levels[i]);
+        const double rounded = std::floor(shaped + m_noise.Next() + 0.5);
+        m_shaper.Keep(rounded - shaped);
+        m_levels[i] = static_cast<TSample>(rounded);
+    }
+}
+
+template <typename TSample>
+void CRequantiser<TSample>::Restart() {
+    m_noise.Restart();
+    m_shaper.Restart();
+}
+
+template class CRequantiser<float>;
+template class CRequantiser<double>;

@@ -4,13 +4,13 @@
 #include <soxr.h>
 
 #include <cstddef>
-#include <cstdint>
 #include <memory>
 
-#include "plugins/soxr/ResamplingQuality.h"
+#include "plugins/soxr/ConversionSettings.h"
 
-// Interleaved 32-bit samples at one rate in, at another out, without delay. One object belongs to one thread.
-// Operations throw std::runtime_error with soxr's own words when soxr fails.
+// Samples by channel at one rate in, at another out, without delay. TSample is float or double. One object belongs to
+// one thread. Operations throw std::runtime_error with soxr's own words when soxr fails.
+template <typename TSample>
 class CResampler {
 public:
     CResampler(int fromRate, int toRate, int channels, EResamplingQuality quality);
@@ -20,12 +20,13 @@ public:
         std::size_t m_nMade;
     };
 
-    // Takes at most `frames` frames from `input` and makes at most `room` frames of `output`.
-    // Everything has been taken and nothing more is ready once all input is taken and less than `room` was made.
-    SProgress Process(const std::int32_t* input, std::size_t frames, std::int32_t* output, std::size_t room);
+    // Takes at most `frames` frames from `input` and makes at most `room` frames of `output`, each with one address for
+    // every channel. Everything has been taken and nothing more is ready once all input is taken and less than `room`
+    // was made.
+    SProgress Process(const TSample* const* input, std::size_t frames, TSample* const* output, std::size_t room);
 
     // The input is at its end: makes at most `room` frames of what is still inside; less only when nothing is left.
-    std::size_t Drain(std::int32_t* output, std::size_t room);
+    std::size_t Drain(TSample* const* output, std::size_t room);
 
     // Forgets everything; the next input starts a new stream.
     void Restart();

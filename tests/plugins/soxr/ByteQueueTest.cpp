@@ -5,7 +5,7 @@
 #include <deque>
 #include <random>
 
-#include "plugins/soxr/ByteQueue.h"
+#include "sdk/ByteQueue.h"
 
 namespace {
 

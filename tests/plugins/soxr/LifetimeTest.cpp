@@ -35,8 +35,8 @@ TEST(SoxrLifetime, ComponentAnswersItsFacesWithOneReferenceEach) {
     IAudioComponent& component = plugin.Component();
     const unsigned int before = component.AddRef();
     component.Release();
-    for (const unsigned long identity :
-         {IID_IUnknown, IID_IConvertorFactory, IID_IFeatureSupport, IID_IConfigurable, IID_IComponentAbout}) {
+    for (const unsigned long identity : {IID_IUnknown, IID_IConvertorFactory, IID_IFeatureSupport, IID_IConfigurable,
+                                         IID_IComponentAbout, IID_INamedSettings}) {
         void* face = nullptr;
         ASSERT_EQ(component.QueryInterface(identity, &face), kInterfaceFound) << identity;
         EXPECT_EQ(static_cast<IUnknown*>(face)->Release(), before - 1) << identity;
@@ -47,15 +47,15 @@ TEST(SoxrLifetime, ComponentAnswersItsFacesWithOneReferenceEach) {
     EXPECT_EQ(component.QueryInterface(IID_IUnknown, nullptr), kInterfaceNoOutPointer);
 }
 
-TEST(SoxrLifetime, OnlyTheBasicFeatureIsSupportedAndNothingCanBeSwitched) {
+TEST(SoxrLifetime, BasicAndAdvancedFormatsAreSupportedAndNothingCanBeSwitched) {
     const CPluginUnderTest plugin;
-    const auto features = CComPtr<IFeatureSupport>::Query(&plugin.Component(), IID_IFeatureSupport);
+    const auto features = CComPtr<IFeatureSupport>::Query(&plugin.Factory(), IID_IFeatureSupport);
     ASSERT_TRUE(features);
     EXPECT_TRUE(features->IsSupported(AF_BASIC));
-    EXPECT_FALSE(features->IsSupported(AF_ADVANCED_FORMATS));
+    EXPECT_TRUE(features->IsSupported(AF_ADVANCED_FORMATS));
     EXPECT_FALSE(features->IsSupported(static_cast<EAudioFeature>(2)));
     EXPECT_FALSE(features->EnableSupport(AF_BASIC, true));
-    EXPECT_FALSE(features->EnableSupport(AF_ADVANCED_FORMATS, true));
+    EXPECT_FALSE(features->EnableSupport(AF_ADVANCED_FORMATS, false));
 }
 
 TEST(SoxrDialogs, AreNotThereWithoutGtk) {
@@ -84,11 +84,11 @@ TEST(SoxrLifetime, PluginIsNotReadyToFinishWhileAConvertorLives) {
 
 TEST(SoxrLifetime, RefusedConversionLeavesThePluginReadyToFinish) {
     const CPluginUnderTest plugin;
-    EXPECT_FALSE(plugin.Create(Held(44100, 16, 6), Held(44100, 16, 2)));
+    EXPECT_FALSE(plugin.Create(Held(44100, 16, 2), Held(44100, 16, 6)));
     EXPECT_TRUE(plugin.ReadyToFinish());
 }
 
-TEST(SoxrLifetime, ConvertorStartsWithOneReferenceAndAnswersIUnknownAlone) {
+TEST(SoxrLifetime, ConvertorStartsWithOneReferenceAndCountsItsClipping) {
     const CPluginUnderTest plugin;
     IAudioConvertor* const convertor = plugin.Create(Held(44100, 16, 2), Held(48000, 16, 2)).Detach();
     ASSERT_NE(convertor, nullptr);
@@ -98,6 +98,8 @@ TEST(SoxrLifetime, ConvertorStartsWithOneReferenceAndAnswersIUnknownAlone) {
     EXPECT_EQ(convertor->QueryInterface(IID_IUnknown, &face), kInterfaceFound);
     EXPECT_EQ(face, convertor);
     EXPECT_EQ(convertor->Release(), 1U);
+    EXPECT_EQ(convertor->QueryInterface(IID_IClippingCount, &face), kInterfaceFound);
+    EXPECT_EQ(static_cast<IClippingCount*>(face)->Release(), 1U);
     EXPECT_EQ(convertor->QueryInterface(IID_IConvertorFactory, &face), kInterfaceMissing);
     EXPECT_EQ(convertor->Release(), 0U);
     EXPECT_TRUE(plugin.ReadyToFinish());

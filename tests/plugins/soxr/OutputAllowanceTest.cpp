@@ -1,5 +1,5 @@
 // How much output one call may hand out, against the arithmetic of a converting source.
-#include "plugins/soxr/OutputAllowance.h"
+#include "sdk/OutputAllowance.h"
 #include "tests/plugins/soxr/ConvertingRead.h"
 #include "tests/plugins/soxr/PluginUnderTest.h"
 

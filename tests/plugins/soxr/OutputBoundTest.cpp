@@ -12,8 +12,9 @@ struct SLayout {
     int m_nToChannels;
 };
 
-constexpr SLayout kLayouts[] = {{8, 1, 8, 1},  {8, 1, 32, 2},  {16, 2, 16, 2}, {16, 2, 24, 1}, {24, 2, 16, 2},
-                                {24, 8, 8, 8}, {32, 2, 24, 2}, {32, 2, 8, 1},  {16, 8, 24, 8}, {32, 8, 32, 8}};
+constexpr SLayout kLayouts[] = {{8, 1, 8, 1},   {8, 1, 32, 2},  {16, 2, 16, 2}, {16, 2, 24, 1},
+                                {24, 2, 16, 2}, {24, 8, 8, 8},  {32, 2, 24, 2}, {32, 2, 8, 1},
+                                {16, 8, 24, 8}, {32, 8, 32, 8}, {16, 6, 24, 2}, {24, 8, 16, 1}};
 
 // Reads until nothing more comes, with a buffer of `size` bytes; returns the frames that arrived.
 std::uint64_t ReadAll(IAudioConvertor& convertor, const SWavFormat& from, const SWavFormat& to, int size,
@@ -35,15 +36,16 @@ std::uint64_t ReadAll(IAudioConvertor& convertor, const SWavFormat& from, const 
 }
 
 void ExpectBounded(const CPluginUnderTest& plugin, const SConversionPlan& plan, int size, unsigned seed) {
-    const int request = ConvertingReadRequest(plan.m_from, plan.m_to, size);
-    if (request < kSmallestConvertingRead || size < BlockSizeOf(plan.m_to)) return;
-    const auto convertor = plugin.Create({plan.m_from, 0}, {plan.m_to, 0});
+    const SWavFormat& from = plan.m_from.m_format;
+    const SWavFormat& to = plan.m_to.m_format;
+    const int request = ConvertingReadRequest(from, to, size);
+    if (request < kSmallestConvertingRead || size < BlockSizeOf(to)) return;
+    const auto convertor = plugin.Create(plan.m_from, plan.m_to);
     ASSERT_TRUE(convertor);
-    const std::size_t frameBytes = static_cast<std::size_t>(BlockSizeOf(plan.m_from));
+    const std::size_t frameBytes = static_cast<std::size_t>(BlockSizeOf(from));
     const std::size_t bytes = static_cast<std::size_t>(request) * (3 + seed % 20) + seed % 1000;
     const std::size_t frames = std::min<std::size_t>(bytes / frameBytes, 30000);
-    EXPECT_EQ(ReadAll(*convertor, plan.m_from, plan.m_to, size, RandomBytes(frames * frameBytes, seed)),
-              plan.OutputFrames(frames));
+    EXPECT_EQ(ReadAll(*convertor, from, to, size, RandomBytes(frames * frameBytes, seed)), plan.OutputFrames(frames));
 }
 
 TEST(SoxrOutputBound, EveryReadFitsTheCallersBufferAndNothingIsLost) {
@@ -52,8 +54,8 @@ TEST(SoxrOutputBound, EveryReadFitsTheCallersBufferAndNothingIsLost) {
     for (const int fromRate : kRates) {
         for (const int toRate : kRates) {
             for (const SLayout& layout : kLayouts) {
-                const SConversionPlan plan{{fromRate, layout.m_nFromBits, layout.m_nFromChannels},
-                                           {toRate, layout.m_nToBits, layout.m_nToChannels}};
+                const SConversionPlan plan{Held(fromRate, layout.m_nFromBits, layout.m_nFromChannels),
+                                           Held(toRate, layout.m_nToBits, layout.m_nToChannels)};
                 const int sizes[] = {40 + static_cast<int>(random() % 500), 1024 + static_cast<int>(random() % 64),
                                      4096, static_cast<int>(random() % 300000)};
                 for (const int size : sizes) ExpectBounded(plugin, plan, size, static_cast<unsigned>(random()));
@@ -68,9 +70,9 @@ TEST(SoxrOutputBound, EveryReadFitsTheCallersBufferAndNothingIsLost) {
 TEST(SoxrOutputBound, BuffersOfAllSmallSizesFit) {
     const CPluginUnderTest plugin;
     for (int size = 40; size < 400; size += 3) {
-        ExpectBounded(plugin, {{44100, 16, 2}, {48000, 24, 2}}, size, 100);
-        ExpectBounded(plugin, {{48000, 24, 2}, {44100, 16, 2}}, size, 200);
-        ExpectBounded(plugin, {{8000, 8, 1}, {192000, 32, 2}}, size, 300);
+        ExpectBounded(plugin, {Held(44100, 16, 2), Held(48000, 24, 2)}, size, 100);
+        ExpectBounded(plugin, {Held(48000, 24, 2), Held(44100, 16, 2)}, size, 200);
+        ExpectBounded(plugin, {Held(8000, 8, 1), Held(192000, 32, 2)}, size, 300);
         ASSERT_FALSE(HasFailure()) << size;
     }
 }
@@ -79,10 +81,10 @@ TEST(SoxrOutputBound, OutputFlowsWhileInputFlows) {
     const CPluginUnderTest plugin;
     for (const int fromRate : kRates) {
         for (const int toRate : kRates) {
-            const SConversionPlan plan{{fromRate, 16, 8}, {toRate, 32, 8}};
-            const auto convertor = plugin.Create({plan.m_from, 0}, {plan.m_to, 0});
+            const SConversionPlan plan{Held(fromRate, 16, 8), Held(toRate, 32, 8)};
+            const auto convertor = plugin.Create(plan.m_from, plan.m_to);
             const int size = 32 * 64 + 16;
-            const int request = ConvertingReadRequest(plan.m_from, plan.m_to, size);
+            const int request = ConvertingReadRequest(plan.m_from.m_format, plan.m_to.m_format, size);
             CBytes block = RandomBytes(static_cast<std::size_t>(request));
             std::uint64_t made = 0;
             const unsigned calls = 2000;

@@ -40,7 +40,7 @@ TEST(SoxrOutputLength, HoldsForRatesWithoutACommonMeasure) {
 }
 
 TEST(SoxrOutputLength, HalvesRoundUp) {
-    const SConversionPlan halving{{96000, 16, 2}, {48000, 16, 2}};
+    const SConversionPlan halving{Held(96000, 16, 2), Held(48000, 16, 2)};
     EXPECT_EQ(halving.OutputFrames(0), 0U);
     EXPECT_EQ(halving.OutputFrames(1), 1U);
     EXPECT_EQ(halving.OutputFrames(2), 1U);
@@ -48,7 +48,7 @@ TEST(SoxrOutputLength, HalvesRoundUp) {
 }
 
 TEST(SoxrOutputLength, IsExactForStreamsOfManyHours) {
-    const SConversionPlan plan{{44100, 16, 2}, {48000, 16, 2}};
+    const SConversionPlan plan{Held(44100, 16, 2), Held(48000, 16, 2)};
     EXPECT_EQ(plan.OutputFrames(44100ULL * 3600 * 1000), 48000ULL * 3600 * 1000);
     EXPECT_EQ(plan.OutputFrames(44100ULL * 3600 * 1000 + 1), 48000ULL * 3600 * 1000 + 1);
 }

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
 #include <random>
 #include <stdexcept>
 #include <string>
@@ -12,16 +13,20 @@
 #include "com/AudioComponent.h"
 #include "com/ComPtr.h"
 #include "com/InterfaceIds.h"
+#include "com/NamedSettings.h"
 #include "portable/DynamicLibrary.h"
+#include "stream/ClippingCount.h"
 #include "stream/Convertor.h"
 
 using CBytes = std::vector<unsigned char>;
 
 constexpr int kRates[] = {8000, 11025, 22050, 44100, 48000, 88200, 96000, 192000};
 
-inline SHeldWavFormat Held(int rate, int bits, int channels, int qualifier = 0) {
+inline SHeldWavFormat Held(int rate, int bits, int channels, int qualifier = kIntegerSamples) {
     return {{rate, bits, channels}, qualifier};
 }
+
+inline SHeldWavFormat HeldFloat(int rate, int channels) { return Held(rate, 32, channels, kFloatSamples); }
 
 class CPluginUnderTest {
 public:
@@ -55,6 +60,13 @@ public:
         m_pFactory->CreateConvertor(&from.m_format, &to.m_format, convertor.Out(), status);
         return convertor;
     }
+
+    CComPtr<INamedSettings> Settings() const {
+        return CComPtr<INamedSettings>::Query(m_pComponent.Get(), IID_INamedSettings);
+    }
+
+    // Holds for the convertors that are made afterwards.
+    void Set(const char* name, const char* value) const { ASSERT_TRUE(Settings()->SetSetting(name, value, nullptr)); }
 
 private:
     void* m_pModule;
@@ -129,5 +141,22 @@ inline std::vector<int> Unpacked(const CBytes& bytes, int bits) {
         for (std::size_t byte = 0; byte < width; ++byte) sample |= unsigned{bytes[at + byte]} << (8 * byte);
         samples.push_back(static_cast<int>(sample << (32 - bits)) >> (32 - bits));
     }
+    return samples;
+}
+
+inline std::uint64_t ClippedSamples(IAudioConvertor& convertor) {
+    return CComPtr<IClippingCount>::Query(&convertor, IID_IClippingCount)->GetClippedSamples();
+}
+
+// Floats of 32 bits as packed PCM and back.
+inline CBytes PackedFloats(const std::vector<float>& samples) {
+    CBytes bytes(samples.size() * sizeof(float));
+    std::memcpy(bytes.data(), samples.data(), bytes.size());
+    return bytes;
+}
+
+inline std::vector<float> UnpackedFloats(const CBytes& bytes) {
+    std::vector<float> samples(bytes.size() / sizeof(float));
+    std::memcpy(samples.data(), bytes.data(), samples.size() * sizeof(float));
     return samples;
 }

@@ -1,5 +1,5 @@
 // What each resampling quality is worth, and that its lengths are exact.
-#include "plugins/soxr/Conversion.h"
+#include "plugins/soxr/SampleConversion.h"
 #include "tests/plugins/soxr/PluginUnderTest.h"
 #include "tests/plugins/soxr/SineFit.h"
 
@@ -24,17 +24,22 @@ std::vector<int> Sine(int rate, double frequency) {
 }
 
 std::vector<int> Converted(const SConversionPlan& plan, const std::vector<int>& samples) {
-    CConversion conversion(plan);
-    const CBytes input = Packed(samples, plan.m_from.nBitsPerSample);
-    conversion.Write(input.data(), input.size());
-    conversion.Finish(plan.OutputFrames(samples.size()));
-    const std::size_t frames = conversion.FramesWaiting();
-    const unsigned char* const output = conversion.Take(frames);
-    return Unpacked(CBytes(output, output + frames * 4), 32);
+    const auto conversion = MakeConversion(plan);
+    const CBytes input = Packed(samples, 32);
+    CByteQueue output;
+    conversion->Write(input.data(), static_cast<std::int64_t>(samples.size()), output);
+    conversion->Finish(static_cast<std::int64_t>(plan.OutputFrames(samples.size())), output);
+    const std::size_t size = output.Size();
+    const unsigned char* const bytes = output.Take(size);
+    return Unpacked(CBytes(bytes, bytes + size), 32);
 }
 
-std::vector<int> ResampledSine(EResamplingQuality quality, int from, int to, double frequency) {
-    return Converted({{from, 32, 1}, {to, 32, 1}, quality}, Sine(from, frequency));
+SConversionPlan Plan(const SRecipe& recipe, int from, int to) {
+    return {Held(from, 32, 1), Held(to, 32, 1), recipe.m_eQuality};
+}
+
+std::vector<int> ResampledSine(const SRecipe& recipe, int from, int to, double frequency) {
+    return Converted(Plan(recipe, from, to), Sine(from, frequency));
 }
 
 // The part that does not hear the filter's edges.
@@ -48,7 +53,7 @@ TEST(SoxrRecipes, KeepNoiseAndImagesDown) {
         for (const auto& pair : kPairs) {
             for (const double place : {0.03, 0.2, 0.41, 0.6}) {
                 const double frequency = place * std::min(pair[0], pair[1]) / 2;
-                const std::vector<int> output = ResampledSine(recipe.m_eQuality, pair[0], pair[1], frequency);
+                const std::vector<int> output = ResampledSine(recipe, pair[0], pair[1], frequency);
                 const std::size_t begin = BeginOf(pair[1]);
                 const SFit fit = FitSine(output, begin, output.size() - begin, kTurn * frequency / pair[1]);
                 const double purity = 20 * std::log10(fit.m_nAmplitude / std::sqrt(2.0) / fit.m_nResidue);
@@ -64,7 +69,7 @@ TEST(SoxrRecipes, KeepTonesAboveTheTargetsBandDown) {
     for (const SRecipe& recipe : kRecipes) {
         for (const auto& pair : kPairs) {
             for (const double place : {1.001, 1.1, 1.5}) {
-                const std::vector<int> output = ResampledSine(recipe.m_eQuality, pair[0], pair[1], place * pair[1] / 2);
+                const std::vector<int> output = ResampledSine(recipe, pair[0], pair[1], place * pair[1] / 2);
                 double squares = 0;
                 for (std::size_t at = BeginOf(pair[1]); at < output.size() - BeginOf(pair[1]); ++at) {
                     squares += static_cast<double>(output[at]) * output[at];
@@ -81,7 +86,7 @@ TEST(SoxrRecipes, MakeTheExactLength) {
     constexpr int kPairs[][2] = {{44100, 48000}, {48000, 44100}, {44101, 44100}, {1, 768}, {768, 1}, {767999, 768000}};
     for (const SRecipe& recipe : kRecipes) {
         for (const auto& pair : kPairs) {
-            const SConversionPlan plan{{pair[0], 32, 1}, {pair[1], 32, 1}, recipe.m_eQuality};
+            const SConversionPlan plan = Plan(recipe, pair[0], pair[1]);
             for (const std::size_t frames : {1U, 7U, 5000U}) {
                 EXPECT_EQ(Converted(plan, std::vector<int>(frames, 1000)).size(), plan.OutputFrames(frames))
                     << pair[0] << " to " << pair[1];
@@ -93,7 +98,7 @@ TEST(SoxrRecipes, MakeTheExactLength) {
 TEST(SoxrRecipes, ReturnFromTheLargestFactors) {
     for (const SRecipe& recipe : kRecipes) {
         for (const int rate : {1 << 18, 1 << 19}) {
-            const SConversionPlan plan{{1, 32, 1}, {rate, 32, 1}, recipe.m_eQuality};
+            const SConversionPlan plan = Plan(recipe, 1, rate);
             EXPECT_EQ(Converted(plan, {1, 2}).size(), plan.OutputFrames(2));
         }
     }

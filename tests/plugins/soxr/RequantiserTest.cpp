@@ -1,115 +1,191 @@
-// Reduction of 32-bit samples to a narrower width.
+// Real samples to integers.
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <numeric>
 #include <vector>
 
 #include "plugins/soxr/Requantiser.h"
 
 namespace {
 
-std::int32_t Reduced(std::int32_t sample, int workingBits, int targetBits) {
-    CRequantiser(workingBits, targetBits).Apply(&sample, 1);
-    return sample;
+template <typename TSample>
+std::vector<std::int32_t> Requantised(CRequantiser<TSample>& requantiser, const std::vector<TSample>& samples) {
+    std::vector<std::int32_t> integers(samples.size());
+    requantiser.Apply(samples.data(), samples.size(), integers.data());
+    return integers;
 }
 
-TEST(SoxrRequantiser, SamplesThatFitAreLeftAlone) {
-    for (const std::int32_t sample : {0, 0x12345600, -0x12345600, INT32_MIN, INT32_MAX}) {
-        EXPECT_EQ(Reduced(sample, 24, 24), sample);
-        EXPECT_EQ(Reduced(sample, 16, 32), sample);
-        EXPECT_EQ(Reduced(sample, 16, 16), sample);
-        EXPECT_EQ(Reduced(sample, 8, 8), sample);
-        EXPECT_EQ(Reduced(sample, 32, 32), sample);
-    }
+template <typename TSample>
+std::int32_t Requantised(double steps, int bits) {
+    CRequantiser<TSample> requantiser(bits, EDither::None, 0);
+    const std::vector<TSample> sample{static_cast<TSample>(std::ldexp(steps, 1 - bits))};
+    return Requantised(requantiser, sample).front();
 }
 
 struct SRounding {
-    std::int32_t m_nSample;
-    std::int32_t m_nRounded;
+    double m_nSteps;
+    std::int32_t m_nInteger;
 };
 
-TEST(SoxrRequantiser, RoundsTo24BitsWithHalvesUp) {
-    const SRounding table[] = {
-        {0, 0},
-        {0x7F, 0},
-        {0x80, 0x100},
-        {0x17F, 0x100},
-        {0x180, 0x200},
-        {-0x80, 0},
-        {-0x81, -0x100},
-        {-0x180, -0x100},
-        {INT32_MAX, 0x7FFFFF00},
-        {0x7FFFFF80, 0x7FFFFF00},
-        {0x7FFFFF7F, 0x7FFFFF00},
-        {INT32_MIN, INT32_MIN},
-        {INT32_MIN + 0x7F, INT32_MIN},
-        {INT32_MIN + 0x80, INT32_MIN + 0x100},
-    };
-    for (const SRounding& entry : table)
-        EXPECT_EQ(Reduced(entry.m_nSample, 32, 24), entry.m_nRounded) << entry.m_nSample;
-}
-
-TEST(SoxrRequantiser, DitheredSamplesStayWithinOneAndAHalfSteps) {
-    for (const int bits : {8, 16}) {
-        const double step = std::ldexp(1.0, 32 - bits);
-        std::vector<std::int32_t> samples;
-        for (int i = 0; i < 100000; ++i) samples.push_back(i * 20011 - 1000550000);
-        const std::vector<std::int32_t> before = samples;
-        CRequantiser(32, bits).Apply(samples.data(), samples.size());
-        for (std::size_t i = 0; i < samples.size(); ++i) {
-            ASSERT_LE(std::abs(static_cast<double>(samples[i]) - before[i]), 1.5 * step) << before[i];
-            ASSERT_EQ(samples[i] & (static_cast<std::int32_t>(step) - 1), 0);
+TEST(SoxrRequantiser, RoundsToTheNearestIntegerWithHalvesUp) {
+    const SRounding table[] = {{0, 0},      {0.49, 0},  {0.5, 1},   {1.49, 1},  {1.5, 2},     {-0.49, 0}, {-0.5, 0},
+                               {-0.51, -1}, {-1.5, -1}, {-1.6, -2}, {100, 100}, {-100, -100}, {-1.0, -1}};
+    for (const SRounding& entry : table) {
+        for (const int bits : {8, 16, 24}) {
+            EXPECT_EQ(Requantised<float>(entry.m_nSteps, bits), entry.m_nInteger) << entry.m_nSteps << ' ' << bits;
+            EXPECT_EQ(Requantised<double>(entry.m_nSteps, bits), entry.m_nInteger) << entry.m_nSteps << ' ' << bits;
         }
+        EXPECT_EQ(Requantised<double>(entry.m_nSteps, 32), entry.m_nInteger) << entry.m_nSteps;
     }
 }
 
-TEST(SoxrRequantiser, DitheredExtremesSaturate) {
+TEST(SoxrRequantiser, EveryIntegerOfItsWidthStaysAsItIs) {
     for (const int bits : {8, 16}) {
-        const std::int32_t step = 1 << (32 - bits);
-        std::vector<std::int32_t> highest(1000, INT32_MAX);
-        std::vector<std::int32_t> lowest(1000, INT32_MIN);
-        CRequantiser requantiser(32, bits);
-        requantiser.Apply(highest.data(), highest.size());
-        requantiser.Apply(lowest.data(), lowest.size());
-        for (const std::int32_t sample : highest) ASSERT_GE(sample, INT32_MAX - 2 * step);
-        for (const std::int32_t sample : lowest) ASSERT_LE(sample, INT32_MIN + step);
+        for (int integer = -(1 << (bits - 1)); integer < 1 << (bits - 1); ++integer) {
+            ASSERT_EQ(Requantised<float>(integer, bits), integer) << bits;
+            ASSERT_EQ(Requantised<double>(integer, bits), integer) << bits;
+        }
+    }
+    for (const int integer : {-0x800000, -0x7FFFFF, -1, 0x7FFFFE, 0x7FFFFF}) {
+        EXPECT_EQ(Requantised<float>(integer, 24), integer);
+    }
+    for (const int integer : {INT32_MIN, INT32_MIN + 1, INT32_MAX - 1, INT32_MAX}) {
+        EXPECT_EQ(Requantised<double>(integer, 32), integer);
+    }
+}
+
+TEST(SoxrRequantiser, LimitsToTheRangeOfTheIntegers) {
+    for (const int bits : {8, 16, 24}) {
+        const double full = std::ldexp(1.0, bits - 1);
+        for (const double steps : {full - 0.5, full, full + 1, 5 * full, 1e20}) {
+            EXPECT_EQ(Requantised<float>(steps, bits), static_cast<int>(full) - 1) << steps;
+            EXPECT_EQ(Requantised<double>(steps, bits), static_cast<int>(full) - 1) << steps;
+            EXPECT_EQ(Requantised<float>(-steps - 1, bits), -static_cast<int>(full)) << steps;
+            EXPECT_EQ(Requantised<double>(-steps - 1, bits), -static_cast<int>(full)) << steps;
+        }
+    }
+    EXPECT_EQ(Requantised<double>(1e300, 32), INT32_MAX);
+    EXPECT_EQ(Requantised<double>(-1e300, 32), INT32_MIN);
+}
+
+TEST(SoxrRequantiser, CountsWhatIsBeyondFullScaleByMoreThanHalfAStep) {
+    CRequantiser<double> requantiser(8, EDither::None, 0);
+    Requantised<double>(requantiser, {1, -1, 128.5 / 128, -128.5 / 128, 0.99});
+    EXPECT_EQ(requantiser.GetClippedSamples(), 0U);
+    Requantised<double>(requantiser, {128.6 / 128, -128.6 / 128, 0, 1e9});
+    EXPECT_EQ(requantiser.GetClippedSamples(), 3U);
+}
+
+constexpr EDither kDithers[] = {EDither::Rectangular, EDither::Triangular, EDither::Shaped};
+
+TEST(SoxrRequantiser, PiecesOfAnySizeGiveTheSameIntegers) {
+    std::vector<float> samples;
+    for (int i = 0; i < 3000; ++i) samples.push_back(static_cast<float>(std::sin(i * 0.1)));
+    for (const EDither dither : kDithers) {
+        CRequantiser<float> whole(16, dither, 0);
+        CRequantiser<float> parts(16, dither, 0);
+        std::vector<std::int32_t> integers(samples.size());
+        for (std::size_t at = 0, size = 1; at < samples.size(); at += size, size = size * 2 % 509) {
+            parts.Apply(samples.data() + at, std::min(size, samples.size() - at), integers.data() + at);
+        }
+        EXPECT_EQ(integers, Requantised(whole, samples));
     }
 }
 
 TEST(SoxrRequantiser, RestartRepeatsTheDither) {
-    CRequantiser requantiser(32, 16);
-    std::vector<std::int32_t> first(1000);
-    std::vector<std::int32_t> second(1000);
-    std::vector<std::int32_t> third(1000);
-    requantiser.Apply(first.data(), first.size());
-    requantiser.Apply(second.data(), second.size());
-    requantiser.Restart();
-    requantiser.Apply(third.data(), third.size());
-    EXPECT_NE(first, second);
-    EXPECT_EQ(first, third);
+    const std::vector<double> silence(1000);
+    for (const EDither dither : kDithers) {
+        CRequantiser<double> requantiser(16, dither, 0);
+        const auto first = Requantised(requantiser, silence);
+        const auto second = Requantised(requantiser, silence);
+        requantiser.Restart();
+        const auto third = Requantised(requantiser, silence);
+        if (dither != EDither::Rectangular) {
+            EXPECT_NE(first, second);
+        }
+        EXPECT_EQ(first, third);
+    }
 }
 
-TEST(SoxrDitherNoise, HasNoMeanAndTheSpreadOfATriangleAtEveryWidth) {
-    for (const unsigned bits : {8U, 16U, 24U}) {
-        CTriangularDither dither;
-        const double step = std::ldexp(1.0, static_cast<int>(bits));
-        double sum = 0;
-        double squares = 0;
-        double products = 0;
-        double previous = 0;
-        constexpr int kCount = 400000;
-        for (int i = 0; i < kCount; ++i) {
-            const double noise = static_cast<double>(dither.Next(bits)) / step;
-            ASSERT_LT(std::abs(noise), 1);
-            sum += noise;
-            squares += noise * noise;
-            products += noise * previous;
-            previous = noise;
-        }
-        EXPECT_NEAR(sum / kCount, 0, 0.003);
-        EXPECT_NEAR(squares / kCount, 1.0 / 6, 0.002);
-        EXPECT_NEAR(products / kCount, 0, 0.002);
+TEST(SoxrRequantiser, ChannelsHaveDitherOfTheirOwn) {
+    const std::vector<double> quiet(20000, 0.3 / 32768);
+    CRequantiser<double> left(16, EDither::Triangular, 0);
+    CRequantiser<double> right(16, EDither::Triangular, 1);
+    const auto one = Requantised(left, quiet);
+    const auto other = Requantised(right, quiet);
+    double product = 0;
+    double square = 0;
+    for (std::size_t i = 0; i < quiet.size(); ++i) {
+        product += (one[i] - 0.3) * (other[i] - 0.3);
+        square += (one[i] - 0.3) * (one[i] - 0.3);
     }
+    EXPECT_LT(std::abs(product / square), 0.03);
+}
+
+TEST(SoxrRequantiser, ShapingStaysTameWhileEverythingClips) {
+    CRequantiser<float> requantiser(8, EDither::Shaped, 0);
+    for (const std::int32_t sample : Requantised(requantiser, std::vector<float>(50000, 3.0F))) ASSERT_GE(sample, 100);
+    // And afterwards nothing of it is left.
+    const auto silence = Requantised(requantiser, std::vector<float>(5000, 0.0F));
+    for (std::size_t i = 10; i < silence.size(); ++i) ASSERT_LE(std::abs(silence[i]), 12);
+}
+
+TEST(SoxrEffectiveDither, IsNoneForSamplesThatFitAndForMoreThan16Bits) {
+    for (const EDither wanted : kDithers) {
+        EXPECT_EQ(EffectiveDither(wanted, false, 16, 48000), EDither::None);
+        EXPECT_EQ(EffectiveDither(wanted, true, 24, 48000), EDither::None);
+        EXPECT_EQ(EffectiveDither(wanted, true, 16, 48000), wanted);
+        EXPECT_EQ(EffectiveDither(wanted, true, 8, 44100), wanted);
+    }
+    EXPECT_EQ(EffectiveDither(EDither::None, true, 8, 48000), EDither::None);
+}
+
+TEST(SoxrEffectiveDither, IsNotShapedBelow44100HertzWhereNoiseHasNowhereToGo) {
+    for (const int rate : {8000, 22050, 32000}) {
+        EXPECT_EQ(EffectiveDither(EDither::Shaped, true, 16, rate), EDither::Triangular);
+    }
+    EXPECT_EQ(EffectiveDither(EDither::Shaped, true, 16, 96000), EDither::Shaped);
+}
+
+struct SNoise {
+    double m_nMean;
+    double m_nPower;
+    double m_nCorrelation;  // of neighbours
+    double m_nPeak;
+};
+
+SNoise Measure(EDither kind) {
+    constexpr int kCount = 400000;
+    CDitherNoise noise(kind, 0);
+    double sum = 0;
+    double squares = 0;
+    double products = 0;
+    double peak = 0;
+    double previous = 0;
+    for (int i = 0; i < kCount; ++i) {
+        const double value = noise.Next();
+        sum += value;
+        squares += value * value;
+        products += value * previous;
+        peak = std::max(peak, std::abs(value));
+        previous = value;
+    }
+    return {sum / kCount, squares / kCount, products / kCount, peak};
+}
+
+TEST(SoxrDitherNoise, IsWhiteWithoutAMeanAndSpreadOverOneOrTwoSteps) {
+    const SNoise rectangular = Measure(EDither::Rectangular);
+    EXPECT_NEAR(rectangular.m_nMean, 0, 0.002);
+    EXPECT_NEAR(rectangular.m_nPower, 1.0 / 12, 0.001);
+    EXPECT_NEAR(rectangular.m_nCorrelation, 0, 0.001);
+    EXPECT_NEAR(rectangular.m_nPeak, 0.5, 0.001);
+    const SNoise triangular = Measure(EDither::Triangular);
+    EXPECT_NEAR(triangular.m_nMean, 0, 0.003);
+    EXPECT_NEAR(triangular.m_nPower, 1.0 / 6, 0.002);
+    EXPECT_NEAR(triangular.m_nCorrelation, 0, 0.002);
+    EXPECT_GT(triangular.m_nPeak, 0.98);
+    EXPECT_LT(triangular.m_nPeak, 1);
 }
 
 }  // namespace
