@@ -1,0 +1,90 @@
+// The name of the local file for a fetched source.
+#include "plugins/curl/FileName.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "plugins/curl/AsciiText.h"
+#include "plugins/curl/AudioTypes.h"
+#include "plugins/curl/ContentDisposition.h"
+#include "plugins/curl/URLText.h"
+
+namespace {
+
+constexpr std::size_t kLongestExtension = 8;
+
+// With the extension still below the 255 bytes of a file system's name.
+constexpr std::size_t kLongestStem = 200;
+
+struct SSplitName {
+    std::string m_strStem;
+    std::string m_strExtension;  // without the dot
+};
+
+// "mp3" and "3gp", but neither "2" of "Part 1.2" nor a sentence behind a full stop.
+bool IsExtension(std::string_view text) {
+    const auto isSane = [](char character) { return IsLetter(character) || IsDigit(character); };
+    return text.size() <= kLongestExtension && std::all_of(text.begin(), text.end(), isSane) &&
+           std::any_of(text.begin(), text.end(), IsLetter);
+}
+
+// Names of the programs and pages that answer; they say nothing about the answer.
+bool IsPage(std::string_view extension) {
+    constexpr std::string_view kPages[] = {"asp", "aspx", "cgi", "htm", "html", "jsp", "php", "pl"};
+    return std::find(std::begin(kPages), std::end(kPages), LowerCase(extension)) != std::end(kPages);
+}
+
+// Bytes of the well-formed UTF-8 sequence at the front, 0 when there is none (RFC 3629, 4).
+std::size_t SequenceLength(std::string_view text) {
+    const auto byte = [&](std::size_t i) { return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U; };
+    const unsigned int first = byte(0);
+    const std::size_t length = first < 0x80 ? 1 : first < 0xC2 ? 0 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
+    if (first > 0xF4) return 0;
+    // Neither a longer form than needed, nor a surrogate, nor beyond the last code point.
+    const unsigned int least = first == 0xE0 ? 0xA0 : first == 0xF0 ? 0x90 : 0x80;
+    const unsigned int most = first == 0xED ? 0x9F : first == 0xF4 ? 0x8F : 0xBF;
+    for (std::size_t i = 1; i < length; ++i) {
+        if (byte(i) < (i == 1 ? least : 0x80) || byte(i) > (i == 1 ? most : 0xBF)) return 0;
+    }
+    return length;
+}
+
+bool IsControl(char character) { return static_cast<unsigned char>(character) < 0x20 || character == 0x7F; }
+
+// Without slashes, control characters and malformed text; not too long, and not hidden.
+std::string Presentable(std::string_view text) {
+    std::string clean;
+    while (!text.empty()) {
+        const std::size_t length = SequenceLength(text);
+        const bool isGood = length > 0 && text.front() != '/' && !IsControl(text.front());
+        if (clean.size() + length > kLongestStem) break;
+        clean += isGood ? text.substr(0, length) : "_";
+        text.remove_prefix(std::max<std::size_t>(length, 1));
+    }
+    const std::size_t begin = clean.find_first_not_of(". ");
+    return begin == std::string::npos ? std::string() : clean.substr(begin, clean.find_last_not_of(' ') - begin + 1);
+}
+
+SSplitName SplitName(const std::string& name) {
+    const std::size_t dot = name.rfind('.');
+    if (dot == std::string::npos || !IsExtension(name.substr(dot + 1))) return {Presentable(name), ""};
+    const std::string extension = name.substr(dot + 1);
+    return {Presentable(name.substr(0, dot)), IsPage(extension) ? "" : extension};
+}
+
+}  // namespace
+
+std::string ChooseFileName(const SNameSources& sources) {
+    const SSplitName names[] = {
+        SplitName(LastSegment(sources.m_strURL)),
+        SplitName(LastSegment(sources.m_strFinalURL)),
+        SplitName(FileNameOfDisposition(sources.m_strContentDisposition)),
+        {Presentable(HostOf(sources.m_strURL)), std::string(ExtensionOfType(sources.m_strContentType))},
+        {"source", ""},
+    };
+    const auto stem =
+        std::find_if(std::begin(names), std::end(names), [](const auto& name) { return !name.m_strStem.empty(); });
+    const auto extension =
+        std::find_if(std::begin(names), std::end(names), [](const auto& name) { return !name.m_strExtension.empty(); });
+    return stem->m_strStem + (extension != std::end(names) ? "." + extension->m_strExtension : std::string());
+}

@@ -1,0 +1,44 @@
+// A directory of this process's own below the temporary one.
+#include "plugins/curl/PrivateDirectory.h"
+
+#include <fcntl.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+
+#include "sdk/Guard.h"
+
+namespace {
+
+std::string Make() {
+    std::error_code error;
+    const std::filesystem::path place = std::filesystem::temp_directory_path(error);
+    if (error) Refuse("there is no temporary directory (TMPDIR): " + error.message());
+    std::string path = std::filesystem::absolute(place / "kelo-curl-XXXXXX");
+    if (mkdtemp(path.data()) == nullptr) Refuse("no directory in " + place.string() + ": " + SystemReason(errno));
+    return path;
+}
+
+int Open(const std::string& path) {
+    const int descriptor = ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    if (descriptor < 0) Refuse(path + ": " + SystemReason(errno));
+    return descriptor;
+}
+
+}  // namespace
+
+CPrivateDirectory::CPrivateDirectory() : m_strPath(Make()), m_descriptor(Open(m_strPath)), m_nProcess(::getpid()) {}
+
+CPrivateDirectory::~CPrivateDirectory() {
+    if (m_nProcess != ::getpid() || !IsInPlace()) return;
+    std::error_code ignored;
+    std::filesystem::remove_all(m_strPath, ignored);  // goes by descriptors and removes links as links
+}
+
+bool CPrivateDirectory::IsInPlace() const {
+    struct stat own = {};
+    struct stat named = {};
+    return ::fstat(Descriptor(), &own) == 0 && ::lstat(m_strPath.c_str(), &named) == 0 && own.st_dev == named.st_dev &&
+           own.st_ino == named.st_ino;
+}
