@@ -91,6 +91,7 @@ void SurveyOgg(CFileBytes& file, SFileSurvey& survey) {
     survey.m_bSpeakersKnown = HasSpeakers(file);
     const SOggEnd end = FindOggEnd(file);
     survey.m_bChained = IsOggChain(file, end);
+    survey.m_lastPage = end.m_lastPage;
     if (!end.m_bCutShort) return;
     survey.m_bEndMissing = true;
     // Half a page at the end hides from the codec where the pages before it end.

@@ -2,20 +2,21 @@
 #include "plugins/sndfile/OggPages.h"
 
 #include <algorithm>
-#include <optional>
 #include <vector>
 
 namespace {
 
-// RFC 3533, 6: 27 bytes, of which 5 is the header type, 14 the stream's serial number, 18 the page's number in it, 26
-// the count of lacing values that follow.
+// RFC 3533, 6: 27 bytes, of which 5 is the header type, 6 the granule position, 14 the stream's serial number, 18 the
+// page's number in it, 26 the count of lacing values that follow.
 constexpr std::size_t kHeaderBytes = 27;
+constexpr std::uint64_t kNoGranule = ~std::uint64_t{0};  // no packet ends in the page
 constexpr char kBeginOfStream = 2;
 constexpr char kEndOfStream = 4;
 constexpr std::uint64_t kMostPageBytes = 65307;
 
 struct SPage {
     std::uint64_t m_nEnd;
+    std::uint64_t m_nGranule;
     std::uint64_t m_nSerial;
     std::uint64_t m_nNumber;
     bool m_bBeginsStream;
@@ -33,6 +34,7 @@ std::optional<SPage> PageAt(CFileBytes& file, std::uint64_t at) {
     std::uint64_t end = at + kHeaderBytes + count;
     for (const char value : lacing) end += static_cast<unsigned char>(value);
     return SPage{end,
+                 FromLittleEndian(header.substr(6, 8)),
                  FromLittleEndian(header.substr(14, 4)),
                  FromLittleEndian(header.substr(18, 4)),
                  (header[5] & kBeginOfStream) != 0,
@@ -54,6 +56,12 @@ std::uint64_t FindPage(CFileBytes& file, std::uint64_t at) {
         const auto page = PageAt(file, at);
         if (page && (page->m_nEnd >= file.Size() || file.At(page->m_nEnd, 4) == "OggS")) return at;
     }
+}
+
+// None where the page before is of another stream or is not seen.
+std::optional<std::uint64_t> GranulesAfter(const std::optional<SPage>& before, const SPage& page) {
+    if (!before || before->m_nSerial != page.m_nSerial || before->m_nGranule > page.m_nGranule) return std::nullopt;
+    return page.m_nGranule - before->m_nGranule;
 }
 
 // Of the streams whose first pages stand together at the beginning.
@@ -87,12 +95,17 @@ SOggEnd FindOggEnd(CFileBytes& file) {
     const std::uint64_t from = size > 2 * kMostPageBytes ? size - 2 * kMostPageBytes : 0;
     SOggEnd end;
     std::optional<SPage> last;
+    std::optional<SPage> lastMarked;
     for (std::uint64_t at = FindPage(file, from); at < size;) {
         const auto page = PageAt(file, at);
         if (page && page->m_nEnd > size) break;
         if (!page) {
             at = FindPage(file, at + 1);
             continue;
+        }
+        if (page->m_nGranule != kNoGranule) {
+            end.m_lastPage = GranulesAfter(lastMarked, *page);
+            lastMarked = page;
         }
         last = page;
         at = end.m_nAt = page->m_nEnd;

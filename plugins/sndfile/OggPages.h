@@ -2,13 +2,18 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "plugins/sndfile/FileBytes.h"
 
 struct SOggEnd {
     std::uint64_t m_nAt = 0;      // behind the last whole page, 0 without any
     std::uint64_t m_nSerial = 0;  // of the stream that the page belongs to
-    bool m_bCutShort = false;     // inside a page or a packet, with the end of the stream missing
+
+    // Granule positions that the stream's last page adds to those of the pages before it; none when not known.
+    std::optional<std::uint64_t> m_lastPage;
+
+    bool m_bCutShort = false;  // inside a page or a packet, with the end of the stream missing
 };
 
 SOggEnd FindOggEnd(CFileBytes& file);

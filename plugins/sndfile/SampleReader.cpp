@@ -147,13 +147,20 @@ void CSampleReader::Reopen() {
 }
 
 bool CSampleReader::MoveTo(sf_count_t position) {
-    // In Vorbis, libsndfile's own seek reports the right position and may deliver the samples of another.
-    const bool vorbis = (m_file->Info().format & SF_FORMAT_SUBMASK) == SF_FORMAT_VORBIS;
-    if (vorbis && position >= m_nPosition) return SkipTo(position);
-    const sf_count_t target = vorbis ? 0 : position;
-    if (sf_seek(m_file->Handle(), target, SEEK_SET) != target) return false;
-    m_nPosition = target;
+    const sf_count_t target = std::clamp<sf_count_t>(m_file->LastSureFrame(), 0, position);
+    if (!ComesByDecoding(target)) {
+        if (sf_seek(m_file->Handle(), target, SEEK_SET) != target) return false;
+        m_nPosition = target;
+    }
     return SkipTo(position);
+}
+
+// In Vorbis, libsndfile's own seek to the near future reports the right position and delivers the samples of another.
+bool CSampleReader::ComesByDecoding(sf_count_t position) const {
+    constexpr sf_count_t kNearSeconds = 3;  // libsndfile: 2
+    const bool vorbis = (m_file->Info().format & SF_FORMAT_SUBMASK) == SF_FORMAT_VORBIS;
+    const sf_count_t ahead = position - m_nPosition;
+    return vorbis && ahead >= 0 && ahead <= kNearSeconds * m_source.m_format.nSampleRate;
 }
 
 // Decodes and drops what lies before `position`.

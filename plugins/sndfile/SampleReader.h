@@ -42,6 +42,7 @@ private:
     void NoteDamage(const char* reason);
     void Reopen();
     bool MoveTo(sf_count_t position);
+    bool ComesByDecoding(sf_count_t position) const;
     bool SkipTo(sf_count_t position);
 
     std::unique_ptr<CSoundFile> m_file;

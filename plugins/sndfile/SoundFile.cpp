@@ -116,6 +116,12 @@ CChannelOrder CSoundFile::ChannelOrder() const {
     return vorbis ? CChannelOrder::OfVorbis(m_info.channels) : CChannelOrder::OfFile(Handle(), m_info.channels);
 }
 
+// libsndfile 1.2.0 takes the last page of Vorbis for longer than it is, since its granule position leaves padding out.
+sf_count_t CSoundFile::LastSureFrame() const {
+    if ((m_info.format & SF_FORMAT_SUBMASK) != SF_FORMAT_VORBIS) return SF_COUNT_MAX;
+    return m_survey.m_lastPage ? m_info.frames - static_cast<sf_count_t>(*m_survey.m_lastPage) : 0;
+}
+
 // What the survey could not tell without the codec. Throws where the codec would deliver less than was counted.
 void CSoundFile::Promise() {
     if (m_info.frames < m_survey.m_nCounted) {

@@ -27,6 +27,8 @@ public:
     const SF_INFO& Info() const { return m_info; }
     // Whether the codec can go to any frame; every file can be reopened.
     bool IsSeekable() const { return m_info.seekable != 0; }
+    // The last frame that the codec's own seek is sure to find.
+    sf_count_t LastSureFrame() const;
 
     CChannelOrder ChannelOrder() const;
 

@@ -1,4 +1,6 @@
 // Seeking, compared with one linear read.
+#include <filesystem>
+
 #include "tests/plugins/sndfile/AudioFiles.h"
 #include "tests/plugins/sndfile/PluginUnderTest.h"
 #include "tests/support/ScratchDirectory.h"
@@ -87,6 +89,28 @@ INSTANTIATE_TEST_SUITE_P(SndfileSeek, CSeek,
                              std::string name = parameter.param;
                              return name.replace(name.find('.'), 1, "_");
                          });
+
+// Near the end, near where the last read stopped, and anywhere.
+TEST(SndfileSeek, IsExactInVorbisOfAnyLength) {
+    std::mt19937_64 random(11);
+    for (const auto& entry : std::filesystem::directory_iterator("/usr/share/sounds/freedesktop/stereo")) {
+        SSource source(entry.path().string());
+        ASSERT_TRUE(source.m_process->Start(nullptr));
+        const std::string linear = ReadOn(source, 65536);
+        const auto block = static_cast<std::uint64_t>(source.m_blocks->GetBlockSize());
+        const std::uint64_t length = source.m_blocks->GetDataLength();
+        for (int i = 0; i < 24; ++i) {
+            const std::uint64_t range = i % 3 == 0 ? length : std::min<std::uint64_t>(length, 9000);
+            const std::uint64_t back = random() % range;
+            const std::uint64_t target =
+                i % 3 == 1 ? length - back : std::min(length, source.m_blocks->GetPos() + back);
+            ASSERT_TRUE(source.m_seekable->Seek(target, nullptr)) << entry.path() << target;
+            const std::string samples = ReadOn(source, 8000, 8000);
+            ASSERT_TRUE(samples == linear.substr(target * block, 8000)) << entry.path() << target;
+            ASSERT_TRUE(i % 3 != 2 || source.m_seekable->Seek(random() % length, nullptr));
+        }
+    }
+}
 
 TEST(SndfileSeek, BeforeStartIsRefused) {
     SSource source(kVoice);
