@@ -15,11 +15,10 @@ constexpr const char* kDirectoryVariable = "KELO_AUDIO_PLUGINS";
 
 void AddPluginOptions(CLI::App& app, SPluginOptions& options) {
     app.add_option("--plugins", options.m_strDirectory,
-                   "Plug-in directory; if left out, KELO_AUDIO_PLUGINS names it, else the one installed or built with "
-                   "keloaudio")
+                   "Plug-in directory; else KELO_AUDIO_PLUGINS or the installed one")
         ->type_name("DIR")
         ->check(RefuseEmpty);
-    app.add_flag("--trust-plugins", options.m_bTrusted, "Load plug-ins that others may replace, too");
+    app.add_flag("--trust-plugins", options.m_bTrusted, "Also load plug-ins that others may replace");
 }
 
 std::string ChosenPluginDirectory(const SPluginOptions& options) {

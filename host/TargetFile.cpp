@@ -25,18 +25,6 @@ constexpr int kMaxLinks = 40;
 
 constexpr mode_t kModeBits = 07777;
 
-// A link stays a link: what it points to is replaced, or made when it is missing.
-std::string ResolveLinks(const std::string& given) {
-    std::filesystem::path path = std::filesystem::absolute(given);
-    for (int i = 0; i <= kMaxLinks; ++i) {
-        std::error_code error;
-        const std::filesystem::path target = std::filesystem::read_symlink(path, error);
-        if (error) return path.string();
-        path = path.parent_path() / target;
-    }
-    throw CFailure(given, SystemErrorText(ELOOP));
-}
-
 mode_t ModeOfNewFile() {
     const mode_t mask = umask(0);
     umask(mask);
@@ -78,9 +66,20 @@ std::string MakeTemporary(const std::string& given, const std::filesystem::path&
 
 }  // namespace
 
+std::string FileAtTheEndOfLinks(const std::string& given) {
+    std::filesystem::path path = std::filesystem::absolute(given);
+    for (int i = 0; i <= kMaxLinks; ++i) {
+        std::error_code error;
+        const std::filesystem::path target = std::filesystem::read_symlink(path, error);
+        if (error) return path.string();
+        path = path.parent_path() / target;
+    }
+    throw CFailure(given, SystemErrorText(ELOOP));
+}
+
 CTargetFile::CTargetFile(std::string output, const char* source)
     : m_strGiven(std::move(output)),
-      m_strOutput(ResolveLinks(m_strGiven)),
+      m_strOutput(FileAtTheEndOfLinks(m_strGiven)),
       m_nMode(RequireReplaceable(m_strGiven, m_strOutput, source)),
       m_strTemporary(MakeTemporary(m_strGiven, m_strOutput)) {}
 

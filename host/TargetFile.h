@@ -5,6 +5,10 @@
 
 #include <string>
 
+// The absolute path of what an output means that may be a symbolic link: a link stays a link, and what it points to is
+// replaced, or made when it is missing. Throws CFailure for a circle of links.
+std::string FileAtTheEndOfLinks(const std::string& given);
+
 // Throws CFailure, naming the output as it was given. One thread.
 class CTargetFile {
 public:

@@ -81,7 +81,7 @@ void CConversion::RequireAccepted(const SWavFormat& aimed, const SWavFormat& acc
 }
 
 void CConversion::CheckStop() const {
-    if (GetStopSignal() != 0) throw CInterrupted(m_strOutput);
+    if (GetStopSignal() != 0) throw CFailure(m_strOutput, "interrupted, nothing is written");
 }
 
 // Moves every block and returns the number of sample frames.

@@ -24,12 +24,6 @@ struct SConversionReport {
     std::string m_strWarning;  // about the source; empty for none
 };
 
-// Thrown when a signal asks to stop.
-class CInterrupted : public CFailure {
-public:
-    explicit CInterrupted(const std::string& output) : CFailure(output, "interrupted, nothing is written") {}
-};
-
 // Hears how far a conversion is: the part of the whole, 0 while that is unknown, and the seconds of sound written.
 using CProgressListener = std::function<void(double part, double seconds)>;
 

@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "host/Encoders.h"
+#include "host/TargetFile.h"
 #include "host/convert/InputFiles.h"
 
 namespace {
@@ -39,7 +40,7 @@ std::string OutputOf(const SInputFile& input, const SConvertOptions& options) {
     return (directory / name.stem()).string() + "." + options.m_strExtension;
 }
 
-// Finds the file at the end of links; the part that is not there yet stays as it is written.
+// Tells outputs apart, whatever links lead to them.
 class COutputNames {
 public:
     // Throws when `output` was there already.
@@ -53,12 +54,12 @@ public:
 private:
     fs::path Resolve(const fs::path& output) {
         std::error_code error;
-        const fs::path parent = fs::absolute(output).parent_path();
+        const fs::path meant = FileAtTheEndOfLinks(output.string());
+        const fs::path parent = meant.parent_path();
         const auto known = m_directories.find(parent);
         const fs::path directory =
             known != m_directories.end() ? known->second : m_directories[parent] = fs::weakly_canonical(parent, error);
-        const fs::path resolved = directory / output.filename();
-        return fs::is_symlink(resolved, error) ? fs::weakly_canonical(resolved, error) : resolved;
+        return directory / meant.filename();
     }
 
     std::map<fs::path, fs::path> m_directories;

@@ -47,7 +47,7 @@ void AddSettingOption(CLI::App& app, CTargetSettings& settings) {
                    settings.emplace_back(text.substr(0, equals), text.substr(equals + 1));
                }
            },
-           "A setting of the encoder, such as quality=6 (keloaudio list names them); may be given again")
+           "Setting of the encoder, may be repeated; list names them")
         ->type_name("NAME=VALUE")
         ->allow_extra_args(false);
 }
@@ -68,36 +68,32 @@ void AddFormatOptions(CLI::App& app, SConvertOptions& options) {
         ->type_name("HZ")
         ->check(CLI::Range(kMinSampleRate, kMaxSampleRate));
     app.add_option("--bits", options.m_format.m_nBitsPerSample,
-                   "Bits per sample: 8, 16, 24 or 32; if left out, those of the source, 16 for lossy sources, and for "
-                   "float samples the most that the file format takes")
+                   "Bits per sample; if left out, the source's, 16 for lossy ones")
         ->type_name("N")
         ->check(CLI::IsMember({8, 16, 24, 32}));
     app.add_option("--channels", options.m_format.m_nChannels, "Number of channels")
         ->type_name("N")
         ->check(CLI::Range(1, kMaxChannels));
-    app.add_option("--quality", options.m_strQuality, "Of the sample rate conversion: quick, high or very-high")
+    app.add_option("--quality", options.m_strQuality, "Of the sample rate conversion")
         ->type_name("NAME")
         ->check(CLI::IsMember({"quick", "high", "very-high"}));
-    app.add_option("--dither", options.m_strDither, "Of samples that become narrower (keloaudio list names the kinds)")
+    app.add_option("--dither", options.m_strDither, "Of samples that become narrower; list names the kinds")
         ->type_name("NAME")
         ->check(RefuseEmpty);
-    AddTimeOption(app, "--start", "Begin there: seconds, [hh:]mm:ss[.fff], or sample frames as 4800f",
-                  options.m_excerpt.m_start);
-    AddTimeOption(app, "--end", "End there", options.m_excerpt.m_end);
+    AddTimeOption(app, "--start", "Begin at 90, 1:30.5 or, in sample frames, 4800f", options.m_excerpt.m_start);
+    AddTimeOption(app, "--end", "End there, likewise", options.m_excerpt.m_end);
     AddSettingOption(app, options.m_settings);
 }
 
 void AddOutputOptions(CLI::App& app, SConvertOptions& options) {
-    app.add_option("--to", options.m_strExtension, "Extension of the outputs; it chooses the encoder")
+    app.add_option("--to", options.m_strExtension, "Extension of the outputs, which chooses the encoder")
         ->type_name("EXTENSION")
         ->check(RefuseEmpty);
     app.add_option("--out-dir", options.m_strOutputDirectory,
-                   "Directory of the outputs, made as needed, with the folders of the inputs kept below it; if left "
-                   "out, each output goes beside its input")
+                   "Directory of the outputs; if left out, beside the inputs")
         ->type_name("DIR")
         ->check(RefuseEmpty);
-    app.add_flag("--stdout", options.m_bStandardOutput,
-                 "Write the one output to standard output once it is complete; WAV unless --to says otherwise");
+    app.add_flag("--stdout", options.m_bStandardOutput, "Write the one output to standard output, as WAV without --to");
     app.add_flag("--skip-existing", options.m_bSkipExisting, "Leave out inputs whose output is there");
     app.add_flag("--dry-run", options.m_bDryRun, "Only say what would be converted into what");
 }
@@ -133,20 +129,17 @@ void CompleteStandardOutput(SConvertOptions& options) {
 
 void AddConvertOptions(CLI::App& app, SConvertOptions& options) {
     app.add_option("INPUT", options.m_vInputs,
-                   "Files, http:// or ftp:// addresses and, with --recursive, directories. Without --to there are two "
-                   "names: the second is the file to write, and its extension chooses the encoder")
+                   "Files or addresses; without --to two names, the second of them the output")
         ->required();
     AddOutputOptions(app, options);
-    app.add_flag("--recursive,-r", options.m_bRecursive,
-                 "Convert what directories hold, as far as a decoder lists the extension; links to directories below "
-                 "them are not followed");
+    app.add_flag("--recursive,-r", options.m_bRecursive, "Convert what directories hold and a decoder lists");
     options.m_nJobs = UsableCores();
-    app.add_option("--jobs,-j", options.m_nJobs, "Files that are converted at a time; if left out, one for each core")
+    app.add_option("--jobs,-j", options.m_nJobs, "Files at a time; if left out, one for each core")
         ->type_name("N")
         ->check(CLI::Range(1, kMaxJobs));
     app.add_option_function<std::string>(
            "--shard", [&options](const std::string& text) { options.m_shard = ParseShard(text); },
-           "Convert only every N-th file of the sorted list, beginning with file I, counted from 0")
+           "Convert only every N-th file, beginning with file I, from 0")
         ->type_name("I/N");
     AddFormatOptions(app, options);
     AddPluginOptions(app, options.m_plugins);

@@ -12,6 +12,7 @@
 #include "host/FailureText.h"
 #include "host/PluginCall.h"
 #include "host/StandardOutput.h"
+#include "host/StopSignal.h"
 #include "host/TargetFile.h"
 
 namespace {
@@ -86,11 +87,9 @@ SConversionResult ConvertFile(const SConversionSetting& setting, const SPlannedF
     if (result.m_eOutcome == EOutcome::Skipped) return result;
     try {
         CallPlugins(result.m_strInput, [&] { Convert(setting, file, result, hook); });
-    } catch (const CInterrupted& interruption) {
-        result.m_eOutcome = EOutcome::Interrupted;
-        result.m_strFailure = interruption.what();
     } catch (const CFailure& failure) {
-        result.m_eOutcome = EOutcome::Failed;
+        // A wait that the signal ended is no failure of the file.
+        result.m_eOutcome = GetStopSignal() != 0 ? EOutcome::Interrupted : EOutcome::Failed;
         result.m_strFailure = failure.what();
         result.m_strReason = failure.GetReason();
     }
