@@ -81,6 +81,12 @@ TEST(Exports, HoldEveryFormOfConstructorsAndDestructors) {
     }
     EXPECT_THAT(forms, testing::SizeIs(testing::Ge(50U)));
 
+    // Nobody builds an object of an abstract class alone, and not every compiler offers to.
+    for (const char* const abstract :
+         {"_ZN5PFileCv", "_ZN9CDirEntryCRK13CPortableFilePKciiij", "_ZN13CAggregatableCj", "_ZN16CPosixSyncObjectCv"}) {
+        EXPECT_THAT(forms[abstract], testing::HasSubstr("2")) << abstract;
+        forms.erase(abstract);
+    }
     const std::set<std::string> kOutsideTheTable = {"_ZN14CComponentEnumDv", "_ZN17CPortableFileInfoDv",
                                                     "_ZN17CTargetAggregatorDv"};
     for (auto& [name, found] : forms) {

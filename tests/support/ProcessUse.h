@@ -1,0 +1,38 @@
+// What the process uses of memory and descriptors, for tests that nothing piles up.
+#pragma once
+
+#include <malloc.h>
+
+#include <cstddef>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+namespace support {
+
+// The address space line by line, as proc(5) tells it.
+inline std::string Mappings() {
+    std::ifstream maps("/proc/self/maps");
+    return {std::istreambuf_iterator<char>(maps), {}};
+}
+
+struct SProcessUse {
+    std::size_t m_nAllocated;  // bytes that malloc has handed out; 0 under a sanitizer's own allocator
+    std::size_t m_nMapped;     // bytes of address space
+    std::size_t m_nMappings;
+    std::size_t m_nDescriptors;
+};
+
+inline SProcessUse MeasureUse() {
+    const struct mallinfo2 heap = mallinfo2();
+    std::size_t pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    std::size_t mappings = 0;
+    for (const char character : Mappings()) mappings += character == '\n' ? 1 : 0;
+    const std::filesystem::directory_iterator descriptors("/proc/self/fd");
+    return {heap.uordblks + heap.hblkhd, pages * 4096, mappings,
+            static_cast<std::size_t>(std::distance(begin(descriptors), end(descriptors)))};
+}
+
+}  // namespace support
