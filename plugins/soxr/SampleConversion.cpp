@@ -124,6 +124,7 @@ void CSampleConversion<TSample>::Restart() {
 
 template <typename TSample>
 void CSampleConversion<TSample>::Emit(CPlanarBuffer<TSample>& samples, std::size_t frames, CByteQueue& output) {
+    if (frames == 0) return;
     const std::size_t bytes = frames * m_nOutputBytes;
     unsigned char* const packed = output.Reserve(bytes);
     if (m_vRequantisers.empty()) {
