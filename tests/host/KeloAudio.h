@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -11,16 +12,22 @@
 constexpr const char* kFrontCenter = "/usr/share/sounds/alsa/Front_Center.wav";
 constexpr const char* kComplete = "/usr/share/sounds/freedesktop/stereo/complete.oga";
 
-// A working directory and a plug-in directory beside it.
+// A working directory, a plug-in directory beside it for what a test chooses, and another with the plug-ins on
+// libsndfile and soxr.
 class CKeloAudio : public testing::Test {
 protected:
     CKeloAudio() {
-        std::filesystem::create_directory(m_scratch.Path() / "work");
-        std::filesystem::create_directory(m_scratch.Path() / "plugins");
+        for (const char* const name : {"work", "plugins", "sound"}) {
+            std::filesystem::create_directory(m_scratch.Path() / name);
+        }
+        for (const std::string name : {"sndfile.so", "soxr.so"}) {
+            std::filesystem::create_symlink(KELO_PLUGINS "/" + name, SoundPluginDirectory() + "/" + name);
+        }
     }
 
     std::string WorkDirectory() const { return m_scratch / "work"; }
     std::string PluginDirectory() const { return m_scratch / "plugins"; }
+    std::string SoundPluginDirectory() const { return m_scratch / "sound"; }
     std::string InWork(const std::string& name) const { return m_scratch / ("work/" + name); }
 
     // Plug-ins of the build tree are linked into the plug-in directory, by file name.
@@ -29,10 +36,20 @@ protected:
     }
     void UseFixture(const std::string& name) const { UsePlugin(KELO_FIXTURES, name); }
 
-    // With the plug-ins of the build tree.
-    SRunResult Run(std::vector<std::string> arguments) const {
+    // With the plug-ins that the program finds by itself.
+    SRunResult RunPlain(std::vector<std::string> arguments) const {
         arguments.insert(arguments.begin(), KELOAUDIO);
         return RunProgram(arguments, WorkDirectory());
+    }
+
+    // With the plug-ins on libsndfile and soxr, unless the arguments name a directory or no command takes one.
+    SRunResult Run(std::vector<std::string> arguments) const {
+        const auto namesPlugins = [](const std::string& argument) { return argument.rfind("--plugins", 0) == 0; };
+        const bool command = !arguments.empty() && arguments.front().front() != '-' && arguments.front() != "play";
+        if (command && std::none_of(arguments.begin(), arguments.end(), namesPlugins)) {
+            arguments.insert(arguments.end(), {"--plugins", SoundPluginDirectory()});
+        }
+        return RunPlain(std::move(arguments));
     }
 
     // With the plug-ins that the test chose.

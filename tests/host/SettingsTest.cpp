@@ -56,8 +56,9 @@ protected:
         unsetenv("GTK_MODULES");
     }
 
-    static std::vector<std::string> Command(std::vector<std::string> options = {}) {
+    std::vector<std::string> Command(std::vector<std::string> options = {}) const {
         options.insert(options.begin(), {KELOAUDIO, "settings"});
+        if (options.back() != PluginDirectory()) options.insert(options.end(), {"--plugins", SoundPluginDirectory()});
         return options;
     }
 

@@ -16,14 +16,16 @@ protected:
     StopSignal() {
         UseFixture("ScriptedDecoder.so");
         UsePlugin(KELO_PLUGINS, "sndfile.so");
+        std::filesystem::create_directory(InWork("in"));
         m_scratch.Write("work/in.endless", "x");
         m_scratch.Write("work/out.wav", "the old content");
     }
 
-    // Waits until something has been written beside the output.
-    void WaitForTemporary() const {
+    // Waits until something has been written beside the output, in a directory that may not be there yet.
+    void WaitForTemporary(const std::string& directory = "") const {
         for (int i = 0; i < 3000; ++i) {
-            for (const auto& entry : std::filesystem::directory_iterator(WorkDirectory())) {
+            std::error_code missing;
+            for (const auto& entry : std::filesystem::directory_iterator(InWork(directory), missing)) {
                 if (entry.path().extension() == ".part" && entry.file_size() > 0) return;
             }
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
@@ -37,7 +39,7 @@ protected:
         WaitForTemporary();
         program.Signal(signal);
         ExpectFailure(program.Wait(), {"out.wav: interrupted"}, 128 + signal);
-        EXPECT_EQ(NamesIn(WorkDirectory()), (std::vector<std::string>{"in.endless", "out.wav"}));
+        EXPECT_EQ(NamesIn(WorkDirectory()), (std::vector<std::string>{"in", "in.endless", "out.wav"}));
         EXPECT_EQ(ReadWholeFile(InWork("out.wav")), "the old content");
     }
 };
@@ -67,4 +69,45 @@ TEST_F(StopSignal, IgnoredHangUpStaysIgnored) {
     EXPECT_FALSE(program.WaitFor(std::chrono::milliseconds(200)));
     program.Signal(SIGTERM);
     ExpectFailure(program.Wait(), {"out.wav: interrupted"}, 128 + SIGTERM);
+}
+
+TEST_F(StopSignal, InterruptEndsEveryJobAndLeavesNoUnfinishedFile) {
+    for (const std::string name : {"a", "b", "c"}) m_scratch.Write("work/in/" + name + ".endless", "x");
+    CRunningProgram program({KELOAUDIO, "convert", "-r", "in", "--to", "wav", "--out-dir", "out", "--jobs", "2",
+                             "--plugins", PluginDirectory()},
+                            WorkDirectory());
+    WaitForTemporary("out");
+    program.Signal(SIGINT);
+    ExpectFailure(program.Wait(), {"keloaudio: interrupted: 0 of 3 files converted"}, 128 + SIGINT);
+    EXPECT_EQ(NamesIn(InWork("out")), std::vector<std::string>{});
+}
+
+TEST_F(StopSignal, FilesThatWereCompleteStay) {
+    m_scratch.Write("work/in/a.wide", "x");
+    m_scratch.Write("work/in/b.endless", "x");
+    CRunningProgram program({KELOAUDIO, "convert", "-r", "in", "--to", "wav", "--out-dir", "out", "--jobs", "1",
+                             "--quiet", "--plugins", PluginDirectory()},
+                            WorkDirectory());
+    WaitForTemporary("out");
+    program.Signal(SIGTERM);
+    // The first file may have been the one that was waited for.
+    ExpectFailure(program.Wait(), {"keloaudio: interrupted: ", " of 2 files converted"}, 128 + SIGTERM);
+    for (const std::string& name : NamesIn(InWork("out"))) EXPECT_EQ(name, "a.wav");
+}
+
+TEST_F(StopSignal, InterruptReachesJobsThatWaitForPipes) {
+    std::vector<std::string> command = {KELOAUDIO, "convert", "--to", "flac",      "--out-dir",
+                                        "out",     "--jobs",  "4",    "--plugins", PluginDirectory()};
+    for (const std::string name : {"a", "b", "c", "d"}) {
+        const std::string pipe = InWork("in/" + name + ".wav");
+        ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+        command.push_back(pipe);
+    }
+    CRunningProgram program(command, WorkDirectory());
+    EXPECT_FALSE(program.WaitFor(std::chrono::milliseconds(200)));
+    program.Signal(SIGINT);
+    const SRunResult result = program.Wait();
+    EXPECT_EQ(result.m_nExit, 128 + SIGINT);
+    EXPECT_NE(result.m_strErr.find("keloaudio: interrupted: 0 of 4 files converted\n"), std::string::npos)
+        << result.m_strErr;
 }

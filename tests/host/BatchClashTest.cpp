@@ -1,0 +1,91 @@
+// Outputs that would overwrite each other or an input are refused before anything is written.
+#include "tests/host/KeloAudio.h"
+
+namespace {
+
+class BatchClash : public CKeloAudio {
+protected:
+    void CopyTo(const std::string& name) const {
+        std::filesystem::create_directories(std::filesystem::path(InWork(name)).parent_path());
+        std::filesystem::copy_file(kFrontCenter, InWork(name));
+    }
+
+    // Fails with these words and leaves everything as it was.
+    void ExpectRefused(const std::vector<std::string>& arguments, const std::vector<std::string>& words) const {
+        const auto names = [&] {
+            std::vector<std::string> all;
+            for (const auto& entry : std::filesystem::recursive_directory_iterator(WorkDirectory())) {
+                all.push_back(entry.path());
+            }
+            std::sort(all.begin(), all.end());
+            return all;
+        };
+        const std::vector<std::string> before = names();
+        std::vector<std::string> command = {"convert"};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        ExpectFailure(Run(command), words);
+        EXPECT_EQ(names(), before);
+    }
+};
+
+}  // namespace
+
+TEST_F(BatchClash, TwoInputsOfOneNameAreBothNamed) {
+    CopyTo("in/a.wav");
+    CopyTo("in/a.aiff");
+    CopyTo("in/b.wav");
+    ExpectRefused({"-r", "in", "--to", "flac", "--out-dir", "out"},
+                  {"out/a.flac: two inputs would become it, in/a.aiff and in/a.wav"});
+    ExpectRefused({"in/a.wav", "in/a.aiff", "--to", "flac"}, {"in/a.flac: two inputs would become it"});
+}
+
+TEST_F(BatchClash, EveryShardRefusesTheSame) {
+    for (const std::string name : {"in/a.wav", "in/b.wav", "in/c.aiff", "in/c.wav"}) CopyTo(name);
+    for (const std::string shard : {"0/4", "1/4", "3/4"}) {
+        ExpectRefused({"-r", "in", "--to", "flac", "--out-dir", "out", "--shard", shard}, {"in/c.aiff and in/c.wav"});
+    }
+}
+
+TEST_F(BatchClash, InputsOfTwoDirectoriesMeetInOneOutputDirectory) {
+    CopyTo("one/deep/a.wav");
+    CopyTo("two/deep/a.wav");
+    ExpectRefused({"-r", "one", "two", "--to", "flac", "--out-dir", "out"},
+                  {"out/deep/a.flac: ", "one/deep/a.wav and two/deep/a.wav"});
+    EXPECT_EQ(Run({"convert", "-r", "one", "two", "--to", "flac"}).m_nExit, 0);
+}
+
+TEST_F(BatchClash, InputGivenTwiceIsRefused) {
+    CopyTo("a.wav");
+    ExpectRefused({"a.wav", "./a.wav", "--to", "flac"}, {"two inputs would become it"});
+}
+
+TEST_F(BatchClash, LinksBetweenOutputsAreSeen) {
+    CopyTo("in/a.wav");
+    CopyTo("in/b.wav");
+    std::filesystem::create_directory(InWork("out"));
+    std::filesystem::create_symlink("b.flac", InWork("out/a.flac"));
+    ExpectRefused({"-r", "in", "--to", "flac", "--out-dir", "out"}, {"in/a.wav and in/b.wav"});
+}
+
+TEST_F(BatchClash, OutputThatIsItsInputIsRefused) {
+    CopyTo("a.wav");
+    ExpectRefused({"a.wav", "--to", "wav"}, {"a.wav: the output of a.wav is one of the inputs"});
+}
+
+TEST_F(BatchClash, OutputThatIsAnotherInputIsRefused) {
+    CopyTo("in/a.aiff");
+    CopyTo("out/a.wav");
+    ExpectRefused({"in/a.aiff", "out/a.wav", "--to", "wav", "--out-dir", "out"}, {"out/a.wav: "});
+    std::filesystem::create_directory(InWork("other"));
+    std::filesystem::create_hard_link(InWork("out/a.wav"), InWork("other/b.wav"));
+    CopyTo("in/b.aiff");
+    ExpectRefused({"in/b.aiff", "out/a.wav", "--to", "wav", "--out-dir", "other"},
+                  {"other/b.wav: the output of in/b.aiff is one of the inputs"});
+}
+
+TEST_F(BatchClash, FormsThatDoNotGoTogetherAreWrongUsage) {
+    ExpectFailure(Run({"convert", "a.wav", "b.wav", "c.wav"}), {"--to EXTENSION: is required"}, 2);
+    ExpectFailure(Run({"convert", "a.wav", "b.wav", "--out-dir", "out"}), {"--out-dir: goes with --to EXTENSION"}, 2);
+    ExpectFailure(Run({"convert", "a.wav", "b.wav", "--recursive"}), {"--recursive: goes with --to"}, 2);
+    ExpectFailure(Run({"convert", "a.wav", "b.wav", "--shard", "0/2"}), {"--shard: goes with --to"}, 2);
+}

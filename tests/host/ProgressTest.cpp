@@ -1,0 +1,49 @@
+// The progress bar, on a terminal that script(1) makes.
+#include "tests/host/KeloAudio.h"
+#include "tests/host/SoundTools.h"
+
+namespace {
+
+class Progress : public CKeloAudio {
+protected:
+    // Silence that takes little room and some time.
+    Progress() {
+        RunTool({"sox", "-n", "-r", "96000", "-c", "2", "-b", "16", InWork("long.flac"), "trim", "0", "100"});
+        std::filesystem::copy_file(InWork("long.flac"), InWork("again.flac"));
+    }
+
+    std::string OnTerminal(const std::string& arguments) const {
+        const std::string command = std::string(KELOAUDIO) + " convert " + arguments +
+                                    " --rate 44100 --quality very-high --plugins " + SoundPluginDirectory();
+        return RunProgram({"script", "-qec", command, m_scratch / "typescript"}, WorkDirectory()).m_strOut;
+    }
+};
+
+}  // namespace
+
+TEST_F(Progress, BarTellsPartSpeedAndTimeLeft) {
+    const std::string screen = OnTerminal("long.flac out.wav");
+    EXPECT_NE(screen.find("\r\033[K[#"), std::string::npos) << screen;
+    EXPECT_NE(screen.find("x real time  0:"), std::string::npos) << screen;
+    EXPECT_NE(screen.find(" left"), std::string::npos) << screen;
+    // The bar is gone before the lines.
+    EXPECT_NE(screen.find("\r\033[Klong.flac: 96000 Hz, 16 bits"), std::string::npos) << screen;
+}
+
+TEST_F(Progress, BarOfManyFilesCountsThem) {
+    const std::string screen = OnTerminal("long.flac again.flac --to wav --out-dir out --jobs 1");
+    EXPECT_NE(screen.find("0 of 2 files"), std::string::npos) << screen;
+    EXPECT_NE(screen.find("1 of 2 files"), std::string::npos) << screen;
+    EXPECT_NE(screen.find("\r\033[Klong.flac -> out/long.wav"), std::string::npos) << screen;
+}
+
+TEST_F(Progress, QuietAndJsonHaveNoBar) {
+    EXPECT_EQ(OnTerminal("long.flac out.wav --quiet"), "");
+    EXPECT_EQ(OnTerminal("long.flac out.wav --json").find('\033'), std::string::npos);
+}
+
+TEST_F(Progress, WithoutATerminalThereAreOnlyLines) {
+    const SRunResult result = Run({"convert", "long.flac", "out.wav", "--rate", "44100", "--quality", "very-high"});
+    EXPECT_EQ(result.m_strErr, "");
+    EXPECT_EQ(result.m_strOut.find('\033'), std::string::npos);
+}
