@@ -52,19 +52,15 @@ void COutputFile::NoteError(int error) {
     if (m_nError == 0) m_nError = error;
 }
 
-sf_count_t COutputFile::WriteAt(const char* bytes, sf_count_t count, sf_count_t position) {
-    sf_count_t written = 0;
-    while (written < count) {
-        const ssize_t step = ::pwrite(m_descriptor.Get(), bytes + written, static_cast<std::size_t>(count - written),
-                                      position + written);
+void COutputFile::WriteAt(const char* bytes, sf_count_t count, sf_count_t position) {
+    while (count > 0 && m_nError == 0) {
+        const ssize_t step = ::pwrite(m_descriptor.Get(), bytes, static_cast<std::size_t>(count), position);
         if (step < 0 && errno == EINTR) continue;
-        if (step <= 0) {
-            NoteError(step < 0 ? errno : ENOSPC);
-            break;
-        }
-        written += step;
+        if (step <= 0) return NoteError(step < 0 ? errno : ENOSPC);
+        bytes += step;
+        position += step;
+        count -= step;
     }
-    return written;
 }
 
 sf_count_t COutputFile::Length(void* self) {
@@ -82,10 +78,10 @@ sf_count_t COutputFile::Seek(sf_count_t offset, int whence, void* self) {
 sf_count_t COutputFile::Write(const void* data, sf_count_t count, void* self) {
     auto& file = *static_cast<COutputFile*>(self);
     const auto* const bytes = static_cast<const char*>(data);
-    const sf_count_t written = file.WriteAt(bytes, count, file.m_nLead + file.m_nPosition);
-    if (file.m_nPosition == 0 && written <= kMostHeaderBytes) file.m_strHeader.assign(bytes, bytes + written);
-    file.m_nPosition += written;
-    return written;
+    file.WriteAt(bytes, count, file.m_nLead + file.m_nPosition);
+    if (file.m_nPosition == 0 && count <= kMostHeaderBytes) file.m_strHeader.assign(bytes, bytes + count);
+    file.m_nPosition += count;
+    return count;
 }
 
 sf_count_t COutputFile::Tell(void* self) { return static_cast<COutputFile*>(self)->m_nPosition; }

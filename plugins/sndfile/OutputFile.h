@@ -7,8 +7,8 @@
 #include "plugins/sndfile/FileDescriptor.h"
 #include "plugins/sndfile/SndFileHandle.h"
 
-// Owns the file and the codec's handle, and keeps the first error of the system: libsndfile drops those that happen
-// while it closes. [stream-thread]
+// Owns the file and the codec's handle, and keeps the first error of the system. The codec does not learn of it: some
+// write what failed again, or leak. Nothing is written any more then. [stream-thread]
 class COutputFile {
 public:
     // Creates the file or empties it, and puts `lead` in front of what the codec writes. Throws the reason.
@@ -39,7 +39,7 @@ private:
     static sf_count_t Write(const void* data, sf_count_t count, void* self);
     static sf_count_t Tell(void* self);
 
-    sf_count_t WriteAt(const char* bytes, sf_count_t count, sf_count_t position);
+    void WriteAt(const char* bytes, sf_count_t count, sf_count_t position);
     void NoteError(int error);
 
     CFileDescriptor m_descriptor;

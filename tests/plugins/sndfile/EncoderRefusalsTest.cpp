@@ -5,6 +5,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <filesystem>
+
 #include "tests/plugins/sndfile/AudioFiles.h"
 #include "tests/plugins/sndfile/SinkUnderTest.h"
 #include "tests/support/ScratchDirectory.h"
@@ -175,12 +177,12 @@ TEST(SndfileEncoderRefusals, OfNullDataAndNegativeSizes) {
 
 TEST(SndfileEncoderRefusals, OfAShortWriteNameTheReasonAndEndStillCloses) {
     CScratchDirectory scratch;
-    for (const std::string extension : {"wav", "flac"}) {
+    for (const std::string extension : {"wav", "rf64", "w64", "aiff", "caf", "au", "flac", "ogg", "opus", "mp3"}) {
         const std::string name = "x." + extension;
-        SSink sink(scratch / name, extension, kStereo);
+        SSink sink(scratch / name, extension, {48000, 16, 2});
         ASSERT_TRUE(sink.m_process->Start(nullptr));
-        const CFileSizeLimit limit(150000);
-        EXPECT_EQ(ReasonOf([&](IStatus** status) { return sink.Write(RandomBytes(400000), status); }),
+        const CFileSizeLimit limit(15000);
+        EXPECT_EQ(ReasonOf([&](IStatus** status) { return sink.Write(RandomBytes(800000), status); }),
                   name + ": cannot be written: File too large");
         EXPECT_EQ(ReasonOf([&](IStatus** status) { return sink.m_process->End(status); }),
                   name + ": not written completely: File too large");
@@ -190,14 +192,17 @@ TEST(SndfileEncoderRefusals, OfAShortWriteNameTheReasonAndEndStillCloses) {
 
 TEST(SndfileEncoderRefusals, OfEndTellWhatFailedWhileClosing) {
     CScratchDirectory scratch;
-    SSink sink(scratch / "x.flac", "flac", kStereo);
-    ASSERT_TRUE(sink.m_process->Start(nullptr));
-    // Less than one FLAC block: the encoder writes it when it is closed.
-    ASSERT_TRUE(sink.Write(RandomBytes(8000)));
-    const CFileSizeLimit limit(4000);
-    EXPECT_EQ(ReasonOf([&](IStatus** status) { return sink.m_process->End(status); }),
-              "x.flac: not written completely: File too large");
-    EXPECT_FALSE(sink.m_process->IsInProcess());
+    for (const std::string extension : {"flac", "ogg", "opus", "mp3"}) {
+        const std::string name = "x." + extension;
+        SSink sink(scratch / name, extension, {48000, 16, 2});
+        ASSERT_TRUE(sink.m_process->Start(nullptr));
+        // Less than the encoder keeps back: it writes the rest when it is closed.
+        ASSERT_TRUE(sink.Write(RandomBytes(3000)));
+        const CFileSizeLimit limit(std::filesystem::file_size(scratch / name) + 16);
+        EXPECT_EQ(ReasonOf([&](IStatus** status) { return sink.m_process->End(status); }),
+                  name + ": not written completely: File too large");
+        EXPECT_FALSE(sink.m_process->IsInProcess());
+    }
 }
 
 TEST(SndfileEncoderRefusals, OfAnAiffFileAboveFourGiBComeBeforeItIsSpoilt) {

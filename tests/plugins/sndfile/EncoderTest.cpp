@@ -97,6 +97,25 @@ TEST(SndfileEncoder, AcceptsTheNearestWidthThatTheFormatHas) {
     }
 }
 
+TEST(SndfileEncoder, AcceptsTheNextSampleRateAndTheMostChannelsThatTheFormatHas) {
+    struct SRow {
+        const char* m_strExtension;
+        SWavFormat m_wanted, m_accepted;
+    };
+    for (const SRow& row : {SRow{"opus", {44100, 16, 2}, {48000, 16, 2}}, SRow{"opus", {22050, 16, 1}, {24000, 16, 1}},
+                            SRow{"opus", {4000, 16, 1}, {8000, 16, 1}}, SRow{"opus", {96000, 24, 6}, {48000, 24, 6}},
+                            SRow{"opus", {16000, 8, 1}, {16000, 16, 1}}, SRow{"mp3", {44100, 16, 2}, {44100, 16, 2}},
+                            SRow{"mp3", {96000, 24, 6}, {48000, 24, 2}}, SRow{"mp3", {12345, 16, 1}, {16000, 16, 1}},
+                            SRow{"ogg", {384000, 32, 8}, {192000, 32, 8}}, SRow{"ogg", {12345, 8, 1}, {12345, 16, 1}},
+                            SRow{"caf", {12345, 8, 7}, {12345, 8, 7}}, SRow{"w64", {768000, 20, 3}, {768000, 24, 3}}}) {
+        const SSink sink("/nowhere/x", row.m_strExtension, row.m_wanted);
+        const SWavFormat accepted = sink.m_writer->GetRawFormat();
+        EXPECT_EQ(accepted.nSampleRate, row.m_accepted.nSampleRate) << row.m_strExtension;
+        EXPECT_EQ(accepted.nBitsPerSample, row.m_accepted.nBitsPerSample) << row.m_strExtension;
+        EXPECT_EQ(accepted.nChannels, row.m_accepted.nChannels) << row.m_strExtension;
+    }
+}
+
 TEST(SndfileEncoder, ChoosesTheFormatByTheExtensionInAnyCaseAndNotByThePath) {
     CScratchDirectory scratch;
     const std::string path = scratch / "x.wav.part";
@@ -192,11 +211,13 @@ TEST(SndfileEncoder, KeepsThePluginBusyWhileATargetOrAStreamIsAlive) {
     EXPECT_TRUE(Plugin().m_pReadyToFinish());
 }
 
-TEST(SndfileEncoder, TargetAnswersIUnknownAlone) {
+TEST(SndfileEncoder, TargetAnswersTagsAndSettings) {
     const auto opener = CComPtr<IAudioTargetOpener>::Query(Component(1).Get(), IID_IAudioTargetOpener);
     CComPtr<IAudioTarget> target;
     ASSERT_TRUE(opener->OpenTarget("/nowhere/x.wav", "wav", target.Out(), nullptr));
-    EXPECT_TRUE(CComPtr<IUnknown>::Query(target.Get(), IID_IUnknown));
+    for (const unsigned long identity : {IID_IUnknown, IID_ITargetTags, IID_INamedSettings}) {
+        EXPECT_TRUE(CComPtr<IUnknown>::Query(target.Get(), identity)) << identity;
+    }
     EXPECT_FALSE(CComPtr<IUnknown>::Query(target.Get(), IID_IProcess));
     EXPECT_EQ(target->QueryInterface(IID_IUnknown, nullptr), 3);
 }

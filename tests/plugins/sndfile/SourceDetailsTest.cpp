@@ -143,6 +143,23 @@ TEST(SndfileCues, MayBeMoreThanTheCodecsRecordHolds) {
     for (int i = 0; i < 250; ++i) EXPECT_EQ(index->GetIndex(i), positions[static_cast<std::size_t>(i)]);
 }
 
+TEST(SndfileCues, OfAnAiffFileAreItsMarkers) {
+    CScratchDirectory scratch;
+    RunTool("sox -D " + kVoice + " " + scratch / "x.aiff");
+    const std::string file = Content(scratch / "x.aiff");
+    // AIFF 1.3, 6: the count; of each its number, position and name, which is counted and padded.
+    const std::string markers("\0\2\0\1\0\0\x12\x34\3one\0\2\0\0\x10\0\5three", 24);
+    std::string marked = file + "MARK" + std::string("\0\0\0\x18", 4) + markers;
+    const std::size_t size = marked.size() - 8;
+    for (int i = 0; i < 4; ++i) marked[4 + static_cast<std::size_t>(i)] = static_cast<char>(size >> (24 - 8 * i));
+    const SSource source(scratch.Write("y.aiff", marked));
+    const auto index = CComPtr<IIndexArray>::Query(source.m_stream.Get(), IID_IIndexArray);
+    ASSERT_TRUE(index);
+    ASSERT_EQ(index->GetIndexNumber(), 2);
+    EXPECT_EQ(index->GetIndex(0), 0x1000u);
+    EXPECT_EQ(index->GetIndex(1), 0x1234u);
+}
+
 TEST(SndfileCues, AreNotOfferedByAFileWithoutAny) { EXPECT_FALSE(Offers(kVoice, IID_IIndexArray)); }
 
 TEST(SndfileSourceName, IsThePathThatWasOpened) {
