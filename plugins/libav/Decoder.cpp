@@ -18,6 +18,7 @@ std::unique_ptr<CSound> CLibavDecoder::OpenSound(const std::string& path, EAudio
 bool CLibavDecoder::HasAbout() { return CanShowDialogs(); }
 
 void CLibavDecoder::About() {
+    if (!HasAbout()) return;
     ShowAboutBox(AppWindowOf(Manager()), GetName(), dgettext(kTextDomain, "Reads sound files with %s."),
                  LibavName().c_str());
 }

@@ -57,11 +57,11 @@ constexpr SKnownFormat kFormats[] = {
 };
 
 constexpr const char* kExtensions[] = {
-    "aac", "adts",  "m4a", "m4b",    "m4r", "mp4", "m4v", "f4a",  "f4v", "3gp", "3g2",  "mov",  "qt",   "wma",
-    "wmv", "asf",   "ape", "wv",     "tta", "mpc", "mp+", "mpp",  "dsf", "dff", "wsd",  "ac3",  "eac3", "ec3",
-    "dts", "dtshd", "thd", "truehd", "mlp", "mka", "mkv", "webm", "avi", "ts",  "m2ts", "mts",  "mpg",  "mpeg",
-    "vob", "mp2",   "mp1", "mpa",    "shn", "tak", "amr", "awb",  "3ga", "ra",  "rm",   "rmvb", "flv",  "oma",
-    "aa3", "at3",   "aea", "ogv",    "ogm", "spx", "vqf", "voc",  "qcp", "dss", "xwma", "mxf",  "nut",  "loas",
+    "aac", "adts",  "m4a", "m4b",    "m4r", "mp4", "m4v",  "f4a",  "f4v",  "3gp",  "3g2",  "mov", "qt",   "wma",
+    "wmv", "asf",   "ape", "wv",     "tta", "mpc", "mp+",  "mpp",  "dsf",  "dff",  "wsd",  "ac3", "eac3", "ec3",
+    "dts", "dtshd", "thd", "truehd", "mlp", "mka", "mkv",  "webm", "avi",  "ts",   "m2ts", "mts", "mpg",  "mpeg",
+    "vob", "shn",   "tak", "amr",    "awb", "3ga", "ra",   "rm",   "rmvb", "flv",  "oma",  "aa3", "at3",  "aea",
+    "ogv", "ogm",   "spx", "vqf",    "qcp", "dss", "xwma", "mxf",  "nut",  "loas",
 };
 
 }  // namespace

@@ -49,8 +49,15 @@ bool CPositionedTrack::Next() {
     if (!m_track->Next()) return false;
     m_nBlockFrames = Block().nb_samples;
     if (!m_timeline) m_timeline.emplace(m_track->Container().Stream().time_base, Block().sample_rate);
-    if (m_bFromBeginning && Block().pts != AV_NOPTS_VALUE) m_timeline->Learn({Block().pts, m_nBlockStart});
+    if (m_bFromBeginning && HasStamp()) m_timeline->Learn({Block().pts, m_nBlockStart});
     return true;
+}
+
+// A broadcast stamps its packets now and then. Between two stamps libavformat counts on, behind a jump from the wrong
+// place.
+bool CPositionedTrack::HasStamp() const {
+    const bool own = !m_track->Container().Format().IsBroadcast() || Block().pkt_pos >= 0;
+    return own && Block().pts != AV_NOPTS_VALUE;
 }
 
 bool CPositionedTrack::LearnEnough() {
@@ -97,19 +104,20 @@ bool CPositionedTrack::ApproachFrom(std::int64_t start, std::int64_t position) {
 bool CPositionedTrack::Jump(std::int64_t time) {
     m_bFromBeginning = false;
     m_vRun.clear();
-    m_nUncounted = IsLossless() ? 0 : 1;
+    m_nUncounted = IsLossless() && !m_track->Container().Format().IsBroadcast() ? 0 : 1;
     m_nRefused = 0;
     BeginCount();
     return m_track->Seek(time);
 }
 
-// The first packet of a lossy codec does not count: without what lies before, it may give fewer frames than usual. A
-// packet that the codec refuses for the same reason begins the run anew.
+// The first packet of a lossy codec does not count: without what lies before, it may give fewer frames than usual; nor
+// does that of a broadcast, whose timestamp may be that of a frame before. A packet that the codec refuses begins the
+// run anew.
 bool CPositionedTrack::NextOfRun() {
     while (m_nRefused < kMostRefused) {
         try {
             if (!Next()) return false;
-            if (Block().pts != AV_NOPTS_VALUE && m_nUncounted-- <= 0) NoteStamp();
+            if (HasStamp() && m_nUncounted-- <= 0) NoteStamp();
             return true;
         } catch (const CDamage&) {
             ++m_nRefused;

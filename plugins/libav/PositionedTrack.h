@@ -36,6 +36,7 @@ public:
 
 private:
     void BeginCount();
+    bool HasStamp() const;
     bool LearnEnough();
     bool IsLossless() const;
     bool ApproachFrom(std::int64_t start, std::int64_t position);

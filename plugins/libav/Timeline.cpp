@@ -7,8 +7,8 @@
 
 namespace {
 
-// Behind a jump a demuxer may go on with a wrong timestamp until the file's next one.
-constexpr std::size_t kShortestRun = 6;
+// Behind a jump a demuxer may begin with a wrong timestamp.
+constexpr std::size_t kShortestRun = 3;
 
 bool IsExact(AVRational timeBase, int sampleRate) {
     return timeBase.den % (static_cast<std::int64_t>(sampleRate) * timeBase.num) == 0;
