@@ -6,23 +6,16 @@
 
 #include "tests/pluginmgr/LoadedManager.h"
 #include "tests/support/ProcessUse.h"
+#include "tests/support/Sanitizers.h"
 
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kSanitized = true;
-#elif defined(__has_feature)
-constexpr bool kSanitized = __has_feature(address_sanitizer) || __has_feature(thread_sanitizer);
-#else
-constexpr bool kSanitized = false;
-#endif
+constexpr bool kSanitized = support::kAddressSanitizer || support::kThreadSanitizer;
 
-// KELO_SOAK_ROUNDS asks for more, as ./check --long does. The sanitizers keep notes of every library that was ever
-// open.
+// KELO_LONG_TESTS asks for more, as ./check --long does. The sanitizers keep notes of every library that was ever open.
 int Rounds() {
     if (kSanitized) return 50;
-    const char* const asked = std::getenv("KELO_SOAK_ROUNDS");
-    return asked != nullptr ? std::atoi(asked) : 1000;
+    return std::getenv("KELO_LONG_TESTS") != nullptr ? 10000 : 1000;
 }
 
 // One round: what loads, what is refused and what is dropped again, all of it unloaded at the end.

@@ -9,6 +9,8 @@
 #include <cstring>
 #include <initializer_list>
 
+#include "tests/support/Sanitizers.h"
+
 namespace support {
 
 using CTable = const void* const*;
@@ -52,15 +54,8 @@ inline void ExpectTableLengths(const char* group, std::initializer_list<std::siz
     void* const address = dlsym(RTLD_DEFAULT, group);
     ASSERT_NE(address, nullptr) << "the library does not show " << group;
     ASSERT_NE(dladdr1(address, &found, reinterpret_cast<void**>(&symbol), RTLD_DL_SYMENT), 0);
-#if defined(__SANITIZE_ADDRESS__)
-    constexpr bool kPadded = true;
-#elif defined(__has_feature)
-    constexpr bool kPadded = __has_feature(address_sanitizer);
-#else
-    constexpr bool kPadded = false;
-#endif
     // The address sanitizer lets a guard zone count as a part of every variable.
-    if (kPadded) {
+    if (kAddressSanitizer) {
         EXPECT_GE(symbol->st_size, expected) << group;
     } else {
         EXPECT_EQ(symbol->st_size, expected) << group;
