@@ -35,7 +35,7 @@ soxr_t Create(int fromRate, int toRate, int channels, EResamplingQuality resampl
     const soxr_quality_spec_t quality = soxr_quality_spec(RecipeOf(resampling), SOXR_ROLLOFF_NONE);
     const soxr_runtime_spec_t oneThread = soxr_runtime_spec(1);
     soxr_error_t error = nullptr;
-    const soxr_t created =
+    soxr* const created =
         soxr_create(fromRate, toRate, static_cast<unsigned>(channels), &error, &samples, &quality, &oneThread);
     Check(error);
     return created;

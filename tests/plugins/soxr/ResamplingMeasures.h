@@ -24,8 +24,10 @@ inline std::size_t EdgeOf(int rate) { return static_cast<std::size_t>(rate / 10)
 
 inline double Decibels(double ratio) { return 20 * std::log10(ratio); }
 
-// The upper end of what is measured: the audible band, or what both rates can hold of it.
-inline double BandEndOf(const SRates& rates) { return std::min(20000.0, 0.45 * std::min(rates.m_nFrom, rates.m_nTo)); }
+// The upper end of what is measured: the audible band, or what of it a resampler has to pass; 20 kHz from 44.1 kHz on.
+inline double BandEndOf(const SRates& rates) {
+    return std::min(20000.0, 0.4536 * std::min(rates.m_nFrom, rates.m_nTo));
+}
 
 // TPhase tells the phase at a time in seconds.
 template <typename TPhase>
