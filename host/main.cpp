@@ -13,14 +13,12 @@
 #include "host/StandardOutput.h"
 #include "host/StopSignal.h"
 #include "host/convert/ConvertCommand.h"
+#include "host/validate/ValidateCommand.h"
 
 namespace {
 
 constexpr const SCommand* kCommands[] = {
-    &kListCommand,
-    &kInfoCommand,
-    &kConvertCommand,
-    &kSettingsCommand,
+    &kListCommand, &kInfoCommand, &kConvertCommand, &kSettingsCommand, &kValidateCommand,
 };
 
 // The shell's number for a program that a signal ended.

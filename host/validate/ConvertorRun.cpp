@@ -73,7 +73,6 @@ std::vector<SConversionCase> OfferedConversions(IConvertorFactory& factory) {
 }
 
 CBytes ConvertOnce(IAudioConvertor& convertor, const SConversionCase& conversion, const unsigned char* data, int size) {
-    TellStep("Convert of " + std::to_string(size) + " bytes");
     // The contract only reads the data.
     auto* const input = const_cast<unsigned char*>(data);
     CComPtr<IStatus> status;
@@ -90,6 +89,7 @@ CBytes ConvertOnce(IAudioConvertor& convertor, const SConversionCase& conversion
 }
 
 CBytes ConvertTail(IAudioConvertor& convertor, const SConversionCase& conversion) {
+    TellStep("Convert of no bytes, at the end of the input");
     CBytes tail;
     for (int call = 0; call < kMostTailCalls && tail.size() < kMostBytes; ++call) {
         const CBytes piece = ConvertOnce(convertor, conversion, &kNothing, 0);
@@ -102,6 +102,7 @@ CBytes ConvertTail(IAudioConvertor& convertor, const SConversionCase& conversion
 
 CBytes ConvertSample(IAudioConvertor& convertor, const SConversionCase& conversion, int pieceBytes) {
     const CBytes sound = MakeSound(conversion.m_from.m_format, kSampleFrames);
+    TellStep("Convert of pieces of " + std::to_string(pieceBytes) + " bytes");
     CBytes output;
     for (std::size_t done = 0; done < sound.size();) {
         const std::size_t size = std::min(static_cast<std::size_t>(pieceBytes), sound.size() - done);

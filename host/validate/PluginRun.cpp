@@ -2,7 +2,6 @@
 #include "host/validate/PluginRun.h"
 
 #include <poll.h>
-#include <stdlib.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -119,15 +118,12 @@ void CPluginRun::Start(SEntry& entry) {
         return other == nullptr || (other->m_eState == EState::Done && other->m_outcome.m_eVerdict == EVerdict::Passed);
     };
     const auto run = [&] {
-        // What a plug-in leaves among the temporary files goes with the directory.
-        setenv("TMPDIR", directory.c_str(), 1);
-        // The validator's own server is not behind a proxy.
-        setenv("no_proxy", "127.0.0.1", 1);
+        PrepareEnvironment(directory);
         // Lives as long as the process.
         auto* const trial = new CTrial(m_around, directory, mayUse);
         entry.m_pCheck->m_pRun(*trial);
     };
-    entry.m_pProcess = std::make_unique<CTrialProcess>(run, m_options.m_limit);
+    entry.m_pProcess = std::make_unique<CTrialProcess>(run, m_options.m_limit, m_options.m_bShowsErrors);
     entry.m_eState = EState::Running;
     ++m_nRunning;
 }

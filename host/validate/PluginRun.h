@@ -22,6 +22,7 @@ struct SRunOptions {
     std::string m_strOtherPlugins;
     std::chrono::milliseconds m_limit{10000};
     unsigned int m_nJobs = 1;
+    bool m_bShowsErrors = false;  // what the plug-in writes to standard error
 };
 
 struct SCheckResult {

@@ -1,6 +1,7 @@
 // The sound that the validator works with.
 #include "host/validate/SampleSound.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <fstream>
@@ -116,6 +117,10 @@ void WriteFile(const std::string& path, const CBytes& bytes) {
 }
 
 CBytes ReadFile(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    std::ifstream file(path, std::ios::binary | std::ios::ate);
+    CBytes bytes(static_cast<std::size_t>(std::max<std::streamoff>(0, file.tellg())));
+    file.seekg(0);
+    file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    if (!file) bytes.clear();
+    return bytes;
 }

@@ -79,7 +79,8 @@ SWavFormat CSink::Format() const {
 void CSink::Start() {
     TellStep("Start of an encoder stream");
     CComPtr<IStatus> status;
-    Expect(m_pProcess->Start(status.Out()), "Start says false: " + StatusText(status.Get(), "no reason", ""));
+    const bool started = m_pProcess->Start(status.Out());
+    Expect(started, "Start says false: " + StatusText(status.Get(), "no reason", ""));
 }
 
 void CSink::Write(CBytes sound, std::int64_t blockFrames) {
@@ -98,7 +99,8 @@ void CSink::Write(CBytes sound, std::int64_t blockFrames) {
 void CSink::End() {
     TellStep("End of an encoder stream");
     CComPtr<IStatus> status;
-    Expect(m_pProcess->End(status.Out()), "End says false: " + StatusText(status.Get(), "no reason", ""));
+    const bool ended = m_pProcess->End(status.Out());
+    Expect(ended, "End says false: " + StatusText(status.Get(), "no reason", ""));
 }
 
 void CSink::WriteSample(std::int64_t blockFrames) {

@@ -97,13 +97,15 @@ SWavFormat CSource::Format() const {
 void CSource::Start() {
     TellStep("Start of a source");
     CComPtr<IStatus> status;
-    Expect(m_pProcess->Start(status.Out()), "Start says false: " + StatusText(status.Get(), "no reason", ""));
+    const bool started = m_pProcess->Start(status.Out());
+    Expect(started, "Start says false: " + StatusText(status.Get(), "no reason", ""));
 }
 
 void CSource::End() {
     TellStep("End of a source");
     CComPtr<IStatus> status;
-    Expect(m_pProcess->End(status.Out()), "End says false: " + StatusText(status.Get(), "no reason", ""));
+    const bool ended = m_pProcess->End(status.Out());
+    Expect(ended, "End says false: " + StatusText(status.Get(), "no reason", ""));
 }
 
 SReadResult CSource::Read(int size, CBytes& bytes) {

@@ -123,7 +123,12 @@ void TakeNote(SSurvey& survey, const std::string& line) {
 
 SSurvey SurveyPlugin(const std::string& plugin, const std::string& directory, std::chrono::milliseconds limit) {
     fs::create_directories(directory + kSamples);
-    CTrialProcess process([&] { (new CSurveyor(plugin, directory))->Run(); }, limit);
+    const auto run = [&] {
+        PrepareEnvironment(directory);
+        // Lives as long as the process.
+        (new CSurveyor(plugin, directory))->Run();
+    };
+    CTrialProcess process(run, limit, false);
     process.Wait();
     SSurvey survey;
     std::ifstream notes(directory + kNotes);

@@ -1,11 +1,18 @@
 // One check at work on one plug-in.
 #include "host/validate/Trial.h"
 
+#include <stdlib.h>
+
 #include <fstream>
 #include <utility>
 
 #include "host/validate/Outcome.h"
 #include "pluginmgr/GetAudioPluginMgr.h"
+
+void PrepareEnvironment(const std::string& scratch) {
+    setenv("TMPDIR", scratch.c_str(), 1);
+    setenv("no_proxy", "127.0.0.1", 1);
+}
 
 CTrial::CTrial(const SSurroundings& around, std::string scratch, std::function<bool(const std::string&)> mayUse)
     : m_around(around), m_strScratch(std::move(scratch)), m_mayUse(std::move(mayUse)) {}

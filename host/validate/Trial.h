@@ -20,6 +20,10 @@ struct SSurroundings {
     bool m_bOwnServer = false;            // the validator serves m_strURL
 };
 
+// For the process of a check, whose own directory is `scratch`: temporary files go there, and the validator's own web
+// server is not behind a proxy.
+void PrepareEnvironment(const std::string& scratch);
+
 // Lives in the process of its check; what it holds of the plug-in is not given back unless the check does so.
 // One thread.
 class CTrial {

@@ -30,18 +30,19 @@ void ResetSignals() {
     sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
-void DetachFromTerminal() {
+void DetachFromTerminal(bool showsErrors) {
     const int nowhere = open("/dev/null", O_RDWR | O_CLOEXEC);
-    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) dup2(nowhere, descriptor);
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO}) dup2(nowhere, descriptor);
+    if (!showsErrors) dup2(nowhere, STDERR_FILENO);
     if (nowhere > STDERR_FILENO) close(nowhere);
 }
 
-[[noreturn]] void RunInChild(CReportPage& page, const std::function<void()>& run) {
+[[noreturn]] void RunInChild(CReportPage& page, const std::function<void()>& run, bool showsErrors) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     const rlimit noCore = {0, 0};
     setrlimit(RLIMIT_CORE, &noCore);
     ResetSignals();
-    DetachFromTerminal();
+    DetachFromTerminal(showsErrors);
     TellStepsTo(&page);
     page.TellOutcome(RunGuarded(run));
     // Without destructors: what a check holds of the plug-in goes with the process, and only the checks that are about
@@ -58,12 +59,12 @@ std::string SignalText(int signal) {
 
 }  // namespace
 
-CTrialProcess::CTrialProcess(const std::function<void()>& run, std::chrono::milliseconds limit)
+CTrialProcess::CTrialProcess(const std::function<void()>& run, std::chrono::milliseconds limit, bool showsErrors)
     : m_begin(std::chrono::steady_clock::now()), m_deadline(m_begin + limit) {
     std::fflush(nullptr);
     m_id = fork();
     if (m_id == -1) throw CFailure("validate", "no process for a check: " + SystemErrorText(errno));
-    if (m_id == 0) RunInChild(m_page, run);
+    if (m_id == 0) RunInChild(m_page, run, showsErrors);
     // The declaration in glibc 2.36 lacks the C linkage that C++ needs.
     m_nDescriptor = static_cast<int>(syscall(SYS_pidfd_open, m_id, 0));
     if (m_nDescriptor != -1) return;

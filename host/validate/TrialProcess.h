@@ -12,8 +12,9 @@
 // knows all that was found before. The destructor ends a process that still runs.
 class CTrialProcess {
 public:
-    // `run` is called in the process. What the process prints is dropped. Throws CFailure when there is no process.
-    CTrialProcess(const std::function<void()>& run, std::chrono::milliseconds limit);
+    // `run` is called in the process. What the process prints is dropped, but for its standard error where that is
+    // wanted. Throws CFailure when there is no process.
+    CTrialProcess(const std::function<void()>& run, std::chrono::milliseconds limit, bool showsErrors);
     ~CTrialProcess();
 
     CTrialProcess(const CTrialProcess&) = delete;

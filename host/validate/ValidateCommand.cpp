@@ -70,6 +70,7 @@ SRunOptions RunOptionsOf(const SValidateOptions& options) {
     run.m_strOtherPlugins = DefaultPluginDirectory();
     run.m_limit = std::chrono::milliseconds(std::lround(options.m_fLimit * 1000));
     run.m_nJobs = options.m_nJobs;
+    run.m_bShowsErrors = options.m_bVerbose;
     return run;
 }
 
@@ -101,11 +102,14 @@ int RunValidate(const SValidateOptions& options) {
     return ValidateAll(options);
 }
 
+// Names separated by commas; what follows them on the command line is none of them.
+void AddPatterns(CLI::App& app, const char* option, CPatterns& patterns, const char* description) {
+    app.add_option(option, patterns, description)->type_name("CHECK,...")->delimiter(',')->allow_extra_args(false);
+}
+
 void AddChoices(CLI::App& app, SValidateOptions& options) {
-    app.add_option("--only", options.m_only, "Run these checks alone: names, groups or wildcards")
-        ->type_name("CHECK,...")
-        ->delimiter(',');
-    app.add_option("--skip", options.m_skip, "Leave these checks out")->type_name("CHECK,...")->delimiter(',');
+    AddPatterns(app, "--only", options.m_only, "Run these checks alone: names, groups or wildcards");
+    AddPatterns(app, "--skip", options.m_skip, "Leave these checks out");
     app.add_option("--timeout", options.m_fLimit, "Seconds that a check may take; 10 if left out")
         ->type_name("SECONDS")
         ->check(CLI::Range(kShortestLimit, kLongestLimit));
@@ -126,7 +130,8 @@ std::function<int()> DefineValidate(CLI::App& app) {
         ->type_name("URL")
         ->check(RefuseEmpty);
     app.add_flag("--json", options->m_bJson, "Report as JSON");
-    app.add_flag("--verbose", options->m_bVerbose, "Report every check, not only what was found");
+    app.add_flag("--verbose", options->m_bVerbose,
+                 "Report every check, and show what the plug-ins write to standard error");
     app.add_flag("--list-checks", options->m_bListChecks, "List the checks and what each is about");
     return [options] { return RunValidate(*options); };
 }

@@ -57,7 +57,7 @@ void HasName(CTrial& trial) {
 void KeepsName(CTrial& trial) {
     std::vector<std::string> names;
     for (const SComponent& component : trial.Loaded().GetEverything()) {
-        names.emplace_back(component.m_pComponent->GetName());
+        names.push_back(TextOf(component.m_pComponent->GetName()));
     }
     const CComponents& components = trial.Plugin().GetEverything();
     for (std::size_t i = 0; i < components.size(); ++i) {

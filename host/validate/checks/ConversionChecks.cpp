@@ -23,6 +23,7 @@ void DeliversWholeFrames(CTrial& trial) {
     ForEachConversion(trial, [](IConvertorFactory& factory, const SConversionCase& conversion) {
         const CComPtr<IAudioConvertor> convertor = Create(factory, conversion);
         const CBytes sound = MakeSound(conversion.m_from.m_format, kSampleFrames);
+        TellStep("Convert of " + std::to_string(sound.size()) + " bytes");
         ConvertOnce(*convertor, conversion, sound.data(), static_cast<int>(sound.size()));
     });
 }

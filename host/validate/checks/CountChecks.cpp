@@ -27,8 +27,9 @@ void CountsInSteps(CTrial& trial) {
 
 void CountsForEveryFace(CTrial& trial) {
     ForEachObject(EveryObject(trial), [](IUnknown& object) {
+        const std::vector<SFace> faces = FacesOf(object);
         const unsigned int before = CountOf(object);
-        for (const SFace& face : FacesOf(object)) {
+        for (const SFace& face : faces) {
             const unsigned int seen = CountOf(*face.m_pFace);
             Expect(seen == before, "the " + IdentityText(face.m_nIdentity) + " face counts " + std::to_string(seen) +
                                        " references where the object has " + std::to_string(before));

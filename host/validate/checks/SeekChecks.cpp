@@ -30,7 +30,6 @@ void ForEachSeekable(CTrial& trial,
         const CBytes linear = LinearSound(sample);
         source.Start();
         examine(source, *seekable, linear);
-        source.End();
     });
     if (!found) throw CSkipped("no stream has ISeekable");
 }

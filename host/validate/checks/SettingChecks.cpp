@@ -120,7 +120,8 @@ void TakesItsValue(CTrial& trial) {
     ForEachName(trial, [](INamedSettings& settings, const std::string& name) {
         const std::string value = settings.GetSetting(name.c_str());
         CComPtr<IStatus> status;
-        Expect(settings.SetSetting(name.c_str(), value.c_str(), status.Out()),
+        const bool taken = settings.SetSetting(name.c_str(), value.c_str(), status.Out());
+        Expect(taken,
                name + " refuses the value that it has, " + value + ": " + StatusText(status.Get(), "no reason", ""));
         const std::string after = TextOf(settings.GetSetting(name.c_str()));
         Expect(after == value, name + " was set to " + value + " and is " + after);

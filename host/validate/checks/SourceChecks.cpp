@@ -1,10 +1,13 @@
 // The life of a decoder stream: interfaces, format, start, reading to the end, end.
+#include "com/InterfaceIds.h"
 #include "host/FormatText.h"
 #include "host/validate/Checks.h"
 #include "host/validate/FormatRules.h"
 #include "host/validate/Outcome.h"
 #include "host/validate/Source.h"
 #include "host/validate/Steps.h"
+#include "stream/FileOpener.h"
+#include "stream/SrcConvAggregator.h"
 
 namespace {
 
@@ -124,6 +127,25 @@ void StartsAgain(CTrial& trial) {
     });
 }
 
+EAuxFlags FlagsOf(const SSampleCase& sample) {
+    const auto opener = CComPtr<IAudioFileOpener>::Query(sample.m_decoder.m_pComponent.Get(), IID_IAudioFileOpener);
+    TellStep("GetAuxFlags");
+    return opener->GetAuxFlags();
+}
+
+void CanBeWrapped(CTrial& trial) {
+    bool wrapped = false;
+    ForEachSample(trial, [&](const SSampleCase& sample) {
+        if ((FlagsOf(sample) & AUX_CONVERT) == 0) return;
+        IUnknown* stream = OpenSample(sample).Detach();
+        TellStep("wrapping a source");
+        const auto* const source = new CSrcConvAggregator(&trial.Manager(), &stream, nullptr);
+        Expect(source->IsValid(), "its capabilities hold 0x1000, and the library's source does not come about");
+        wrapped = true;
+    });
+    if (!wrapped) throw CSkipped("the capabilities of its decoders lack 0x1000: hosts that convert never ask them");
+}
+
 }  // namespace
 
 CCheckList SourceChecks() {
@@ -143,11 +165,13 @@ CCheckList SourceChecks() {
          "source/end", KeepsFormat},
         {"source/read-before-start", "A read before Start delivers nothing.", CONCERN_DECODER, "source/end",
          RefusesReadBeforeStart},
-        {"source/read-after-end", "A read after End delivers nothing.", CONCERN_DECODER, "source/end",
+        {"source/read-after-end", "A read after End delivers nothing.", CONCERN_DECODER, "source/ends-early",
          RefusesReadAfterEnd},
         {"source/stays-at-end", "At its end a stream stays there, however often it is read.", CONCERN_DECODER,
          "source/end", StaysAtEnd},
         {"source/starts-again", "A stream that was ended starts again with the same sound.", CONCERN_DECODER,
          "source/end", StartsAgain},
+        {"source/wrappable", "A stream of a decoder whose capabilities hold 0x1000 can be wrapped by the library.",
+         CONCERN_DECODER, "source/end", CanBeWrapped},
     };
 }

@@ -75,7 +75,7 @@ std::string WhyMapped(const std::string& path) {
 void LeavesMemory(CTrial& trial) {
     const std::string path = trial.Around().m_strPlugin;
     Unload(trial);
-    Expect(!IsMapped(path), WhyMapped(path));
+    if (IsMapped(path)) throw CFinding(WhyMapped(path));
 }
 
 std::vector<std::string> LabelsOf(const CLoadedPlugin& plugin) {
@@ -129,11 +129,11 @@ CCheckList UnloadChecks() {
          CONCERN_ANY, "ready/before-use", IsNotReadyWhileObjectsLive},
         {"ready/after-use", "After use, with everything released, it is ready to finish.", CONCERN_ANY,
          "ready/before-use", IsReadyAfterUse},
-        {"manager/registers", "The manager registers every component.", CONCERN_ANY, "component/initialize",
-         RegistersWithManager},
-        {"manager/unloads", "The manager unloads it.", CONCERN_ANY, "manager/registers", UnloadsWithManager},
         {"unload/closes", "After use the loader closes the file.", CONCERN_ANY, "component/initialize", Unload},
         {"unload/leaves-memory", "After that it is no longer in memory.", CONCERN_ANY, "unload/closes", LeavesMemory},
         {"unload/loads-again", "After that it can be loaded once more.", CONCERN_ANY, "unload/closes", LoadsAgain},
+        {"manager/registers", "The manager registers every component.", CONCERN_ANY, "unload/closes",
+         RegistersWithManager},
+        {"manager/unloads", "The manager unloads it.", CONCERN_ANY, "manager/registers", UnloadsWithManager},
     };
 }

@@ -26,7 +26,7 @@ void ForEachWrapped(
     bool found = false;
     ForEachSample(trial, [&](const SSampleCase& sample) {
         CComPtr<IUnknown> stream = OpenSample(sample);
-        if (!Has(stream, IID_IAggregatable)) return;
+        if (!trial.MayUse("source/wrappable") || !Has(stream, IID_IAggregatable)) return;
         found = true;
         const unsigned int holdings = kSourceHoldings + (Has(stream, IID_ISeekable) ? 1 : 0) +
                                       (Has(stream, IID_IInfoReader) ? 1 : 0) + (Has(stream, IID_IIndexArray) ? 1 : 0);
@@ -100,9 +100,10 @@ void EndsWithTarget(CTrial& trial) {
 void WritesInsideTarget(CTrial& trial) {
     ForEachOutput(trial, [&](const SOutputCase& output, const std::string& path) {
         CSink direct(output, path + ".direct");
+        const SWavFormat format = direct.Format();
         direct.WriteSample();
         const CComPtr<IAudioTarget> target = OpenTarget(output, path);
-        CSink wrapped(target, WrapTarget(trial, *target, direct.Format()));
+        CSink wrapped(target, WrapTarget(trial, *target, format));
         wrapped.WriteSample();
         const std::size_t size = ReadFile(path).size();
         const std::size_t expected = ReadFile(path + ".direct").size();
@@ -116,13 +117,13 @@ void WritesInsideTarget(CTrial& trial) {
 CCheckList WrappingChecks() {
     return {
         {"aggregation/source-count", "Inside the library's source the count is its holdings and the host's references.",
-         CONCERN_DECODER, "decoder/wrappable", CountsInsideSource},
+         CONCERN_DECODER, "aggregation/inner-counting", CountsInsideSource},
         {"aggregation/source-ends", "The host's last Release of the library's source ends it, and answers 0.",
          CONCERN_DECODER, "aggregation/source-count", EndsWithSource},
         {"aggregation/source-sound", "Through the library's source the sound is the same.", CONCERN_DECODER,
          "aggregation/source-ends", SoundsTheSameInSource},
         {"aggregation/target-count", "Inside the library's target the count is its holdings and the host's references.",
-         CONCERN_ENCODER, "encoder/interfaces", CountsInsideTarget},
+         CONCERN_ENCODER, "aggregation/inner-counting", CountsInsideTarget},
         {"aggregation/target-ends", "The host's last Release of the library's target ends it, and answers 0.",
          CONCERN_ENCODER, "aggregation/target-count", EndsWithTarget},
         {"aggregation/target-writes", "Through the library's target the file gets the same size.", CONCERN_ENCODER,

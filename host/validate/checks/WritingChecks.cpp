@@ -104,30 +104,37 @@ void ExpectWholeSound(const SDecodedFile& decoded, const SWavFormat& written) {
                                                    std::to_string(expected) + " s were written");
 }
 
-// Calls `examine` with every output case that some decoder lists, and skips when there is none.
-void ForEachDecodable(CTrial& trial,
-                      const std::function<void(const SOutputCase& output, const std::string& path)>& examine) {
+// A file that some decoder lists, written to the end.
+struct SWrittenFile {
+    const SOutputCase& m_output;
+    std::string m_strPath;
+    SWavFormat m_format;  // that the encoder accepted
+};
+
+// Calls `examine` with a file of every output case that some decoder lists, and skips when there is none.
+void ForEachDecodable(CTrial& trial, const std::function<void(const SWrittenFile& file)>& examine) {
     bool found = false;
     ForEachOutput(trial, [&](const SOutputCase& output, const std::string& path) {
-        CSink(output, path).WriteSample();
+        CSink sink(output, path);
+        const SWrittenFile file{output, path, sink.Format()};
+        sink.WriteSample();
         if (!DecodeFile(trial, path)) return;
         found = true;
-        examine(output, path);
+        examine(file);
     });
     if (!found) throw CSkipped("no decoder at hand lists what its encoders write");
 }
 
 void DecodesAgain(CTrial& trial) {
-    ForEachDecodable(trial, [&](const SOutputCase& output, const std::string& path) {
-        ExpectWholeSound(*DecodeFile(trial, path), CSink(output, path).Format());
-    });
+    ForEachDecodable(
+        trial, [&](const SWrittenFile& file) { ExpectWholeSound(*DecodeFile(trial, file.m_strPath), file.m_format); });
 }
 
 void TakesAnyPortions(CTrial& trial) {
-    ForEachDecodable(trial, [&](const SOutputCase& output, const std::string& path) {
-        const SDecodedFile whole = *DecodeFile(trial, path);
-        CSink(output, path).WriteSample(97);
-        const SDecodedFile portions = *DecodeFile(trial, path);
+    ForEachDecodable(trial, [&](const SWrittenFile& file) {
+        const SDecodedFile whole = *DecodeFile(trial, file.m_strPath);
+        CSink(file.m_output, file.m_strPath).WriteSample(97);
+        const SDecodedFile portions = *DecodeFile(trial, file.m_strPath);
         Expect(portions.m_sound.size() == whole.m_sound.size(),
                "written in portions of 97 frames, " + DifferenceText(whole.m_sound, portions.m_sound));
     });
@@ -185,14 +192,14 @@ std::vector<ETag> SetTags(ITargetTags& tags) {
 
 void KeepsTags(CTrial& trial) {
     bool found = false;
-    ForEachDecodable(trial, [&](const SOutputCase& output, const std::string& path) {
-        const CComPtr<IAudioTarget> target = OpenTarget(output, path);
+    ForEachDecodable(trial, [&](const SWrittenFile& file) {
+        const CComPtr<IAudioTarget> target = OpenTarget(file.m_output, file.m_strPath);
         const auto tags = CComPtr<ITargetTags>::Query(target.Get(), IID_ITargetTags);
         if (!tags) return;
         found = true;
         const std::vector<ETag> set = SetTags(*tags);
         CSink(target).WriteSample();
-        const SDecodedFile decoded = *DecodeFile(trial, path);
+        const SDecodedFile decoded = *DecodeFile(trial, file.m_strPath);
         for (const ETag tag : set) {
             const std::string& seen = decoded.m_vTags[tag];
             Expect(seen == TextFor(tag), "the tag \"" + TextFor(tag) + "\" comes back as \"" + seen + "\"");
