@@ -144,7 +144,7 @@ std::string CSampleWriter::Complete() {
     m_file->CloseHandle();
     CorrectHeader();
     m_file->Close();
-    const std::string reason = m_file->Reason();
+    std::string reason = m_file->Reason();
     m_file.reset();
     // libsndfile would leave headers that no decoder takes.
     if (reason.empty() && m_nFrames == 0 && m_output.m_eCoding == OC_OPUS) return "Opus has no sounds without a frame";
