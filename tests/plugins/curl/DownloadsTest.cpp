@@ -113,7 +113,7 @@ TEST(Downloads, GoOnWhereSomebodyRemovedAFile) {
 }
 
 TEST(Downloads, LeaveAForeignDirectoryInTheirPlaceAlone) {
-    RunWithTemporary([](const fs::path& temporary) {
+    RunWithTemporary([](const fs::path&) {
         CDownloads downloads;
         const fs::path first = DirectoryOf(MakeFile(downloads));
         fs::remove_all(first);
@@ -121,7 +121,6 @@ TEST(Downloads, LeaveAForeignDirectoryInTheirPlaceAlone) {
         Put(first / "foreign", "kept");
         downloads.Remove();
         EXPECT_EQ(Content(first / "foreign"), "kept");
-        static_cast<void>(temporary);
     });
 }
 
@@ -149,8 +148,7 @@ TEST(Downloads, FollowNoLinkAmongTheirFiles) {
         CDownloads downloads;
         const fs::path file = MakeFile(downloads);
         fs::create_directory_symlink(elsewhere, file.parent_path() / "link");
-        fs::remove_all(file.parent_path().parent_path() / "2");
-        fs::create_directory_symlink(elsewhere, file.parent_path().parent_path() / "link");
+        fs::create_directory_symlink(elsewhere, DirectoryOf(file) / "link");
         fs::remove(file);
         fs::create_symlink(elsewhere / "foreign", file);
         downloads.Remove();
@@ -174,7 +172,6 @@ TEST(Downloads, WriteThroughNoLink) {
 
 TEST(Downloads, RefuseAPathThatIsTooLongForTheCaller) {
     RunWithTemporary([](const fs::path& temporary) {
-        const fs::path current = fs::current_path();
         fs::path deep = temporary;
         while (deep.string().size() < 4000) deep /= std::string(200, 'd');
         fs::create_directories(deep);

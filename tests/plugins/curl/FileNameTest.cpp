@@ -28,8 +28,9 @@ TEST(FileName, IsNotHidden) {
 TEST(FileName, IsWellFormedText) {
     EXPECT_EQ(NameFor("http://host/caf%E9.mp3"), "caf_.mp3");
     EXPECT_EQ(NameFor("http://host/%C3%A9%E2%82%AC%F0%9F%8E%B5.mp3"), "\u00E9\u20AC\U0001F3B5.mp3");
-    // A longer form than needed, a surrogate, and one beyond the last code point.
+    // A longer form than needed, a surrogate, and two beyond the last code point.
     EXPECT_EQ(NameFor("http://host/%C0%AFa%ED%A0%80b%F4%90%80%80c%E2%82.mp3"), "__a___b____c__.mp3");
+    EXPECT_EQ(NameFor("http://host/%F5%80%80%80d.mp3"), "____d.mp3");
 }
 
 TEST(FileName, IsCutBetweenCharactersWhereItIsTooLong) {

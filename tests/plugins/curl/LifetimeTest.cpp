@@ -1,12 +1,31 @@
 // The component, its files from the first fetch to the end, and the libraries in the process.
 #include <curl/curl.h>
 #include <dlfcn.h>
+#include <string.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include "tests/plugins/curl/FetchTest.h"
 
 namespace {
+
+// libcurl as a host of the plug-in has it, which links nothing here: the first fetch is to bring it.
+class CLibcurl {
+public:
+    CLibcurl() : m_pLibrary(dlopen("libcurl.so.4", RTLD_NOW | RTLD_LOCAL)) {}
+    ~CLibcurl() { dlclose(m_pLibrary); }
+
+    CLibcurl(const CLibcurl&) = delete;
+    CLibcurl& operator=(const CLibcurl&) = delete;
+
+    template <typename TFunction>
+    TFunction* Function(const char* name) const {
+        return reinterpret_cast<TFunction*>(dlsym(m_pLibrary, name));
+    }
+
+private:
+    void* m_pLibrary;
+};
 
 TEST(CurlComponent, IsAURLHandlerWithAName) {
     const CPluginUnderTest plugin;
@@ -75,16 +94,30 @@ TEST_F(CurlLifetime, ChildThatEndsLeavesItsParentsFiles) {
     EXPECT_EQ(Content(fetched.m_strPath), kSong);
 }
 
-// A program of libcurl's own beside the plug-in, which does not disturb it.
+// libcurl takes a memory of its own only from whoever initialises it first.
+TEST_F(CurlLifetime, TerminateLeavesLibcurlAsBeforeItsFirstUse) {
+    NameOfFetched(Http("song.flac"));
+    m_plugin.Component().Terminate();
+    const CLibcurl libcurl;
+    static bool s_bTaken = false;
+    const auto take = [](std::size_t count, std::size_t size) {
+        s_bTaken = true;
+        return calloc(count, size);
+    };
+    const auto initialise = libcurl.Function<decltype(curl_global_init_mem)>("curl_global_init_mem");
+    ASSERT_EQ(initialise(CURL_GLOBAL_DEFAULT, malloc, free, realloc, strdup, take), CURLE_OK);
+    libcurl.Function<decltype(curl_easy_cleanup)>("curl_easy_cleanup")(
+        libcurl.Function<decltype(curl_easy_init)>("curl_easy_init")());
+    libcurl.Function<decltype(curl_global_cleanup)>("curl_global_cleanup")();
+    EXPECT_TRUE(s_bTaken);
+}
+
 TEST_F(CurlLifetime, HostThatUsesLibcurlItselfIsNotDisturbed) {
-    void* const library = dlopen("libcurl.so.4", RTLD_NOW | RTLD_LOCAL);
-    ASSERT_NE(library, nullptr) << dlerror();
-    const auto function = [&](const char* name) { return dlsym(library, name); };
-    ASSERT_EQ(reinterpret_cast<decltype(&curl_global_init)>(function("curl_global_init"))(CURL_GLOBAL_DEFAULT),
-              CURLE_OK);
-    CURL* const handle = reinterpret_cast<decltype(&curl_easy_init)>(function("curl_easy_init"))();
-    const auto set = reinterpret_cast<decltype(&curl_easy_setopt)>(function("curl_easy_setopt"));
-    const auto perform = reinterpret_cast<decltype(&curl_easy_perform)>(function("curl_easy_perform"));
+    const CLibcurl libcurl;
+    ASSERT_EQ(libcurl.Function<decltype(curl_global_init)>("curl_global_init")(CURL_GLOBAL_DEFAULT), CURLE_OK);
+    CURL* const handle = libcurl.Function<decltype(curl_easy_init)>("curl_easy_init")();
+    const auto set = libcurl.Function<decltype(curl_easy_setopt)>("curl_easy_setopt");
+    const auto perform = libcurl.Function<decltype(curl_easy_perform)>("curl_easy_perform");
     const std::string url = Http("song.flac");
     set(handle, CURLOPT_URL, url.c_str());
     set(handle, CURLOPT_NOBODY, 1L);
@@ -93,9 +126,8 @@ TEST_F(CurlLifetime, HostThatUsesLibcurlItselfIsNotDisturbed) {
     EXPECT_EQ(perform(handle), CURLE_OK);
     m_plugin.Component().Terminate();
     EXPECT_EQ(perform(handle), CURLE_OK);
-    reinterpret_cast<decltype(&curl_easy_cleanup)>(function("curl_easy_cleanup"))(handle);
-    reinterpret_cast<decltype(&curl_global_cleanup)>(function("curl_global_cleanup"))();
-    dlclose(library);
+    libcurl.Function<decltype(curl_easy_cleanup)>("curl_easy_cleanup")(handle);
+    libcurl.Function<decltype(curl_global_cleanup)>("curl_global_cleanup")();
 }
 
 }  // namespace
