@@ -10,6 +10,7 @@
 #include "host/validate/Source.h"
 #include "host/validate/Steps.h"
 #include "stream/FileOpener.h"
+#include "stream/URLSourceHandler.h"
 
 namespace {
 
@@ -126,6 +127,18 @@ void AddConvertorStatuses(CTrial& trial, std::vector<SObject>& objects) {
     });
 }
 
+void AddHandlerStatuses(CTrial& trial, std::vector<SObject>& objects) {
+    if (!trial.Around().m_bOwnServer) return;
+    for (const SComponent& component : trial.Components(ACT_URL_HANDLER)) {
+        const auto handler = CComPtr<IURLSourceHandler>::Query(component.m_pComponent.Get(), IID_IURLSourceHandler);
+        TellStep("Fetch of a resource that is not there");
+        std::vector<char> path(kLocalPathCapacity, '\0');
+        CComPtr<IStatus> status;
+        handler->Fetch((trial.Around().m_strURL + ".missing").c_str(), path.data(), 0, status.Out());
+        if (status) objects.push_back({"a status of " + component.m_strLabel, CComPtr<IUnknown>(status.Get())});
+    }
+}
+
 }  // namespace
 
 std::vector<SObject> EveryStatus(CTrial& trial) {
@@ -133,6 +146,7 @@ std::vector<SObject> EveryStatus(CTrial& trial) {
     AddWhereUsable(trial, "decoder/refusal-status", AddDecoderStatuses, objects);
     AddWhereUsable(trial, "encoder/unknown-extension", AddEncoderStatuses, objects);
     AddWhereUsable(trial, "convertor/impossible-formats", AddConvertorStatuses, objects);
+    AddWhereUsable(trial, "handler/refusal-status", AddHandlerStatuses, objects);
     return objects;
 }
 

@@ -51,7 +51,24 @@ TEST_P(ReferencePlugin, PassesEveryCheck) {
     EXPECT_GT(ChecksWith(report, "passed").size(), 40u);
 }
 
-INSTANTIATE_TEST_SUITE_P(Validate, ReferencePlugin, testing::Values("sndfile", "soxr"),
+INSTANTIATE_TEST_SUITE_P(Validate, ReferencePlugin, testing::Values("curl", "sndfile", "soxr"),
                          [](const auto& test) { return std::string(test.param); });
+
+// Its formats are none that the validator can write.
+TEST(Validate, TheLibavPluginPassesEveryCheckOnRealFiles) {
+    const std::string path = std::string(KELO_PLUGINS) + "/libav.so";
+    if (!std::filesystem::exists(path)) GTEST_SKIP() << path << " is not built";
+    const CScratchDirectory scratch;
+    std::vector<std::string> arguments = {"--timeout", "60"};
+    for (const char* const name : {"sound.m4a", "sound.wv"}) {
+        const SRunResult made = RunProgram(
+            {"ffmpeg", "-v", "error", "-i", "/usr/share/sounds/alsa/Front_Center.wav", "-t", "0.4", scratch / name});
+        ASSERT_EQ(made.m_nExit, 0) << made.m_strErr;
+        arguments.insert(arguments.end(), {"--sample", scratch / name});
+    }
+    const nlohmann::json report = ValidateJson(path, arguments);
+    EXPECT_EQ(FindingsIn(report), std::vector<std::string>()) << report.dump(1);
+    EXPECT_GT(ChecksWith(report, "passed").size(), 80u);
+}
 
 }  // namespace

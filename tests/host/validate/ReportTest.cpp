@@ -44,6 +44,12 @@ TEST(ValidateReport, VerboseShowsEveryCheckWithItsTime) {
     EXPECT_TRUE(Contains(lines.front(), " ms)")) << lines.front();
 }
 
+TEST(ValidateReport, VerboseShowsWhatThePluginWritesToStandardError) {
+    const CFixturePlugin plugin("WritesToStandardError");
+    EXPECT_EQ(Validate({plugin.Path()}).m_strErr, "");
+    EXPECT_TRUE(Contains(Validate({"--verbose", plugin.Path()}).m_strErr, "a word of the fixture"));
+}
+
 TEST(ValidateReport, JsonCountsWhatItLists) {
     const nlohmann::json report = ValidateJson(CFixturePlugin("StreamNeverEnds").Path());
     const nlohmann::json& summary = report.at("summary");
