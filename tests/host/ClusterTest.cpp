@@ -13,18 +13,18 @@
 
 namespace {
 
-constexpr int kSounds = 40;
-constexpr int kEnoughOutputs = 8;
+constexpr int kSounds = 24;
+constexpr int kEnoughOutputs = 4;
 
 class Cluster : public CKeloAudio {
 protected:
-    // Noise of half a minute each, in folders, all different.
+    // Noise of a third of a minute each, in folders, all different.
     void MakeArchive() const {
         for (int i = 0; i < kSounds; ++i) {
             const std::string folder = InWork("archive/" + std::to_string(i % 4));
             std::filesystem::create_directories(folder);
             RunTool({"sox", "-R", "-n", "-r", "44100", "-c", "2", "-b", "16", folder + "/" + std::to_string(i) + ".wav",
-                     "synth", "30", "pinknoise", "vol", std::to_string(0.2 + i * 0.01)});
+                     "synth", "20", "pinknoise", "vol", std::to_string(0.2 + i * 0.01)});
         }
     }
 

@@ -55,7 +55,7 @@ std::map<std::string, SFormat> Formats(const CScratchDirectory& scratch) {
     };
     const auto mpg123 = [](const std::string& file) { return RunTool({"mpg123", "-q", "-s", "-e", "s16", file}); };
     std::map<std::string, SFormat> formats;
-    for (const std::string extension : {"wav", "aiff", "au", "caf", "w64", "voc"}) {
+    for (const std::string extension : {"wav", "aiff", "au", "caf", "w64", "sph"}) {
         formats[extension] = Lossless({"sox", "-D", "IN", "OUT"});
     }
     formats["rf64"] = Lossless({"ffmpeg", "-loglevel", "error", "-i", "IN", "-rf64", "always", "-f", "wav", "OUT"});

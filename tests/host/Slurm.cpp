@@ -16,7 +16,7 @@
 namespace {
 
 constexpr std::chrono::milliseconds kPollInterval{200};
-constexpr std::chrono::seconds kPatience{60};
+constexpr std::chrono::seconds kPatience{180};
 constexpr std::chrono::seconds kTimeToEnd{10};
 constexpr std::size_t kKeyBytes = 1024;
 

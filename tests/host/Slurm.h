@@ -24,7 +24,7 @@ public:
     // How many tasks wait or run.
     int CountJobs() const;
 
-    // Waits until none is left; throws when that takes more than a minute.
+    // Waits until none is left; throws when that takes more than three minutes.
     void WaitForJobs() const;
 
 private:
