@@ -21,7 +21,7 @@ struct SSplitName {
     std::string m_strExtension;  // without the dot
 };
 
-// "mp3" and "3gp", but neither "2" of "Part 1.2" nor a sentence behind a full stop.
+// "mp3" and "3gp", but neither "2" of "Live 1.2" nor a sentence behind a full stop.
 bool IsExtension(std::string_view text) {
     const auto isSane = [](char character) { return IsLetter(character) || IsDigit(character); };
     return text.size() <= kLongestExtension && std::all_of(text.begin(), text.end(), isSane) &&
