@@ -71,8 +71,9 @@ endif()
 
 if(KELO_BUILD_HOST)
   install(TARGETS keloaudio RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT keloaudio)
-  install(FILES ${PROJECT_SOURCE_DIR}/doc/keloaudio.1
-    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT keloaudio OPTIONAL)
+  install(FILES ${PROJECT_SOURCE_DIR}/doc/keloaudio.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT keloaudio)
+  install(FILES ${PROJECT_SOURCE_DIR}/host/completion/keloaudio.bash RENAME keloaudio
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT keloaudio)
   # Where the dynamic loader does not look by itself, keloaudio tells it the way to the library.
   if(NOT CMAKE_INSTALL_FULL_LIBDIR IN_LIST CMAKE_CXX_IMPLICIT_LINK_DIRECTORIES)
     kelo_path_from_programs(libraries ${CMAKE_INSTALL_LIBDIR})

@@ -41,9 +41,13 @@ TEST_F(Installation, HoldsEveryPublicHeaderInItsFolderAndNoOther) {
     EXPECT_THAT(FilesBelow(Prefix() + "/include/keloaudiopluginmgr"), testing::UnorderedElementsAreArray(headers));
 }
 
-TEST_F(Installation, HoldsIconsAndTranslations) {
-    EXPECT_TRUE(fs::exists(Prefix() + "/share/keloaudiopluginmgr/images/apm-decoder_icon-16.png"));
-    EXPECT_TRUE(fs::exists(Prefix() + "/share/locale/de/LC_MESSAGES/keloaudiopluginmgr.mo"));
+TEST_F(Installation, HoldsWhatIsReadAndNotRun) {
+    EXPECT_THAT(
+        FilesBelow(Prefix() + "/share"),
+        testing::IsSupersetOf({"bash-completion/completions/keloaudio", "doc/keloaudiopluginmgr/plugin-guide.md",
+                               "doc/keloaudiopluginmgr/examples/decoder/PlainDecoder.cpp",
+                               "keloaudiopluginmgr/images/apm-decoder_icon-16.png",
+                               "locale/de/LC_MESSAGES/keloaudiopluginmgr.mo", "man/man1/keloaudio.1"}));
 }
 
 TEST_F(Installation, NamesNeitherTheTreeNorItsOwnPlace) {
