@@ -97,7 +97,7 @@ TEST(TranslatedPluginDialogs, ShowTheirTextsInTheLanguage) {
     {
         const CDialogDriver driver(collect);
         plugins.About("libsndfile Encoder")->About();
-        EXPECT_TRUE(shows("Schreibt WAV- und FLAC-Dateien mit libsndfile-1."));
+        EXPECT_TRUE(shows("Schreibt Audiodateien mit libsndfile-1."));
     }
     {
         const CDialogDriver driver(collect);
