@@ -18,7 +18,7 @@ struct STargetRequest {
 };
 
 // One file from its creation to its end. Every operation may throw: what() is the reason that a person reads, without
-// the file's name. The destructor completes and closes a file that Finish has not. [stream-thread]
+// the file's name. The destructor closes a file that Finish has not, whole or not. [stream-thread]
 class CSoundWriter {
 public:
     CSoundWriter() = default;

@@ -2,6 +2,8 @@
 //
 // A plain file is the four characters "PLN1", sample rate (32 bits), channels (16 bits), bits per sample (16 bits) and
 // a title of 64 bytes, all little-endian, and then packed little-endian PCM to the end of the file.
+#include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <fstream>
 

@@ -3,6 +3,7 @@
 // A plain file is the four characters "PLN1", sample rate (32 bits), channels (16 bits), bits per sample (16 bits) and
 // a title of 64 bytes, all little-endian, and then packed little-endian PCM to the end of the file.
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 
 #include "sdk/Encoder.h"
@@ -74,6 +75,7 @@ private:
         if (format.nChannels < 1 || format.nChannels > kMaxChannels) {
             Refuse("a plain file has no " + std::to_string(format.nChannels) + " channels");
         }
+        if (format.nSampleRate < 1) Refuse("a plain file has no " + std::to_string(format.nSampleRate) + " Hz");
         const std::int32_t bits = std::clamp((format.nBitsPerSample + 7) / 8 * 8, 8, 32);
         return {format.nSampleRate, bits, format.nChannels};
     }
