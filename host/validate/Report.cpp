@@ -77,7 +77,10 @@ std::string ReportText(const SPluginReport& report, bool verbose) {
     for (const SCheckResult& result : report.m_vResults) {
         if (verbose || IsFinding(result.m_outcome.m_eVerdict)) text += LineText(file, result);
     }
-    for (const std::string& note : report.m_vNotes) text += Printable(file + ": note: " + note) + "\n";
+    // What depends on how busy the machine is stays out of the short form.
+    for (const std::string& note : report.m_vNotes) {
+        if (verbose) text += Printable(file + ": note: " + note) + "\n";
+    }
     return text + SummaryText(report);
 }
 
