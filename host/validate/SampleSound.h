@@ -13,10 +13,10 @@ constexpr SWavFormat kSampleFormat{44100, 16, 2};
 constexpr const char* kSampleFileName = "sample.wav";
 
 // No multiple of a block size that a codec may have.
-constexpr std::int64_t kSampleFrames = 12347;
+constexpr std::int64_t kSampleFrames = 5003;
 
 // Index points and tags of the sample file.
-constexpr std::uint64_t kSampleIndexPoints[] = {4000, 9000};
+constexpr std::uint64_t kSampleIndexPoints[] = {1500, 4000};
 constexpr const char* kSampleTitle = "Kelo sample";
 constexpr const char* kSampleArtist = "keloaudio";
 
