@@ -19,7 +19,7 @@ bool Contains(const std::string& text, const std::string& part) { return text.fi
 TEST(ValidateReport, ACleanPluginIsOneLine) {
     const SRunResult result = Validate({CFixturePlugin("CleanConvertor").Path()});
     EXPECT_EQ(result.m_nExit, 0);
-    ASSERT_TRUE(IsOneLine(WithoutNotes(result.m_strOut))) << result.m_strOut;
+    ASSERT_TRUE(IsOneLine(result.m_strOut)) << result.m_strOut;
     EXPECT_TRUE(Contains(result.m_strOut, "CleanConvertor.so: ")) << result.m_strOut;
     EXPECT_TRUE(Contains(result.m_strOut, " skipped, 0 failed\n")) << result.m_strOut;
     EXPECT_EQ(result.m_strErr, "");
@@ -28,7 +28,7 @@ TEST(ValidateReport, ACleanPluginIsOneLine) {
 TEST(ValidateReport, AFindingIsALineWithTheCheckAndWhatWasSeen) {
     const SRunResult result = Validate({CFixturePlugin("StreamRawLengthIsInFrames").Path()});
     EXPECT_EQ(result.m_nExit, 1);
-    const std::vector<std::string> lines = LinesOf(WithoutNotes(result.m_strOut));
+    const std::vector<std::string> lines = LinesOf(result.m_strOut);
     ASSERT_EQ(lines.size(), 2u) << result.m_strOut;
     EXPECT_EQ(lines[0].find("StreamRawLengthIsInFrames.so: source/raw-length failed ("), 0u) << lines[0];
     EXPECT_TRUE(Contains(lines[0], "decoder \"Fixture\" on sample.wav: tells 5003 bytes and delivers 20012"));

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <sstream>
 
 CFixturePlugin::CFixturePlugin(const std::string& name) : m_strName(name) {
     const std::filesystem::path own = std::filesystem::path(KELO_FIXTURES) / (name + ".so");
@@ -17,15 +16,6 @@ SRunResult Validate(std::vector<std::string> arguments) {
     if (!limited) arguments.insert(arguments.begin(), {"--timeout", "60"});
     arguments.insert(arguments.begin(), {KELOAUDIO, "validate"});
     return RunProgram(arguments);
-}
-
-std::string WithoutNotes(const std::string& text) {
-    std::string rest;
-    std::istringstream lines(text);
-    for (std::string line; std::getline(lines, line);) {
-        if (line.find(": note: ") == std::string::npos) rest += line + "\n";
-    }
-    return rest;
 }
 
 nlohmann::json ValidateJson(const std::string& plugin, std::vector<std::string> arguments) {

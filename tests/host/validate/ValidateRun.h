@@ -23,9 +23,6 @@ private:
 // With a limit that a busy machine does not reach, unless the arguments have one.
 SRunResult Validate(std::vector<std::string> arguments);
 
-// What was printed but for the notes: how long loading takes is up to the machine.
-std::string WithoutNotes(const std::string& text);
-
 // The report on one plug-in.
 nlohmann::json ValidateJson(const std::string& plugin, std::vector<std::string> arguments = {});
 
