@@ -130,7 +130,7 @@ CCheckList UnloadChecks() {
         {"ready/after-use", "After use, with everything released, it is ready to finish.", CONCERN_ANY,
          "ready/before-use", IsReadyAfterUse},
         {"unload/closes", "After use the loader closes the file.", CONCERN_ANY, "component/initialize", Unload},
-        {"unload/leaves-memory", "After that it is no longer in memory.", CONCERN_ANY, "unload/closes", LeavesMemory},
+        {"unload/leaves-memory", "After that nothing of it is in memory.", CONCERN_ANY, "unload/closes", LeavesMemory},
         {"unload/loads-again", "After that it can be loaded once more.", CONCERN_ANY, "unload/closes", LoadsAgain},
         {"manager/registers", "The manager registers every component.", CONCERN_ANY, "unload/closes",
          RegistersWithManager},
