@@ -1,4 +1,4 @@
-// Whether a text is UTF-8. [any thread]
+// Texts of files as UTF-8. [any thread]
 #pragma once
 
 #include <cstddef>
@@ -31,3 +31,21 @@ inline bool IsUtf8(const std::string& text) {
     }
     return true;
 }
+
+// A text in ISO 8859-1.
+inline std::string FromLatin1(const std::string& text) {
+    std::string utf8;
+    for (const char character : text) {
+        const auto code = static_cast<unsigned char>(character);
+        if (code < 0x80) {
+            utf8 += character;
+        } else {
+            utf8 += static_cast<char>(0xC0 | code >> 6);
+            utf8 += static_cast<char>(0x80 | (code & 0x3F));
+        }
+    }
+    return utf8;
+}
+
+// The text itself when it is UTF-8, else what it says in ISO 8859-1: tags of many files name no character set.
+inline std::string AsUtf8(const std::string& text) { return IsUtf8(text) ? text : FromLatin1(text); }

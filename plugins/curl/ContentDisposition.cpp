@@ -6,6 +6,7 @@
 
 #include "plugins/curl/AsciiText.h"
 #include "plugins/curl/URLText.h"
+#include "sdk/Utf8.h"
 
 namespace {
 
@@ -47,16 +48,6 @@ std::map<std::string, std::string> Parameters(std::string_view header) {
         if (hasValue) parameters.emplace(LowerCase(Trimmed(name)), TakeValue(header));
     }
     return parameters;
-}
-
-std::string FromLatin1(const std::string& text) {
-    std::string utf8;
-    for (const char character : text) {
-        const auto byte = static_cast<unsigned char>(character);
-        if (byte >= 0x80) utf8 += static_cast<char>(0xC0 | byte >> 6);
-        utf8 += static_cast<char>(byte >= 0x80 ? 0x80 | (byte & 0x3F) : byte);
-    }
-    return utf8;
 }
 
 // "UTF-8'en'%e2%82%ac.au" (RFC 8187, 3.2); empty for other character sets.

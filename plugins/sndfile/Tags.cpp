@@ -17,25 +17,9 @@ constexpr STagKind kKinds[] = {{TAG_TITLE, SF_STR_TITLE},
                                {TAG_YEAR, SF_STR_DATE},
                                {TAG_GENRE, SF_STR_GENRE}};
 
-std::string FromLatin1(const std::string& text) {
-    std::string utf8;
-    for (const char character : text) {
-        const auto code = static_cast<unsigned char>(character);
-        if (code < 0x80) {
-            utf8 += character;
-        } else {
-            utf8 += static_cast<char>(0xC0 | code >> 6);
-            utf8 += static_cast<char>(0x80 | (code & 0x3F));
-        }
-    }
-    return utf8;
-}
-
-// RIFF and AIFF texts name no character set; what is not UTF-8 is read as Latin-1.
 std::string TagOf(SNDFILE* file, int kind) {
     const char* const tag = sf_get_string(file, kind);
-    const std::string text = tag != nullptr ? tag : "";
-    return IsUtf8(text) ? text : FromLatin1(text);
+    return AsUtf8(tag != nullptr ? tag : "");
 }
 
 }  // namespace
