@@ -1,7 +1,7 @@
 // The convertor driven as a converting source drives it: no block is ever longer than the caller's buffer.
 #include "plugins/soxr/ConversionPlan.h"
-#include "tests/plugins/soxr/ConvertingRead.h"
 #include "tests/plugins/soxr/PluginUnderTest.h"
+#include "tests/support/ConvertingRead.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 
 namespace {
 
-TEST(SoxrByteQueue, HandsBytesOutInTheOrderOfTheirArrival) {
+TEST(SdkByteQueue, HandsBytesOutInTheOrderOfTheirArrival) {
     CByteQueue queue;
     std::deque<unsigned char> expected;
     std::mt19937 random(3);
@@ -26,7 +26,7 @@ TEST(SoxrByteQueue, HandsBytesOutInTheOrderOfTheirArrival) {
     }
 }
 
-TEST(SoxrByteQueue, ReservedBytesCountOnlyOnceCommitted) {
+TEST(SdkByteQueue, ReservedBytesCountOnlyOnceCommitted) {
     CByteQueue queue;
     queue.Reserve(100);
     EXPECT_EQ(queue.Size(), 0U);
@@ -34,7 +34,7 @@ TEST(SoxrByteQueue, ReservedBytesCountOnlyOnceCommitted) {
     EXPECT_EQ(queue.Size(), 60U);
 }
 
-TEST(SoxrByteQueue, ClearDropsWhatWaits) {
+TEST(SdkByteQueue, ClearDropsWhatWaits) {
     CByteQueue queue;
     std::memset(queue.Reserve(10), 1, 10);
     queue.Commit(10);

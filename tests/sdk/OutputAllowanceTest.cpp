@@ -1,10 +1,12 @@
 // How much output one call may hand out, against the arithmetic of a converting source.
+#include <gtest/gtest.h>
+
 #include "sdk/OutputAllowance.h"
-#include "tests/plugins/soxr/ConvertingRead.h"
-#include "tests/plugins/soxr/PluginUnderTest.h"
+#include "tests/support/ConvertingRead.h"
 
 namespace {
 
+constexpr int kRates[] = {8000, 11025, 22050, 44100, 48000, 88200, 96000, 192000};
 constexpr int kWidths[] = {8, 16, 24, 32};
 constexpr int kChannelPairs[][2] = {{1, 1}, {2, 2}, {8, 8}, {1, 2}, {2, 1}};
 
@@ -35,14 +37,14 @@ void ExpectFits(const SWavFormat& from, const SWavFormat& to, int size) {
     ASSERT_LE(allowance.TailFrames(request) * frameBytes, size);
 }
 
-TEST(SoxrOutputAllowance, NeverExceedsTheBufferOfAConvertingRead) {
+TEST(SdkOutputAllowance, NeverExceedsTheBufferOfAConvertingRead) {
     ForEachFormatPair([](const SWavFormat& from, const SWavFormat& to) {
         for (int size = 40; size < 600; ++size) ASSERT_NO_FATAL_FAILURE(ExpectFits(from, to, size));
         for (int size = 600; size <= 300000; size += 97) ASSERT_NO_FATAL_FAILURE(ExpectFits(from, to, size));
     });
 }
 
-TEST(SoxrOutputAllowance, NeverExceedsTheBufferWhereTheRequestIsCapped) {
+TEST(SdkOutputAllowance, NeverExceedsTheBufferWhereTheRequestIsCapped) {
     ForEachFormatPair([](const SWavFormat& from, const SWavFormat& to) {
         const std::int64_t atCap = 16 + std::int64_t{kLargestConvertingRead} * ByteRateOf(to) / ByteRateOf(from);
         for (int off = -200; off <= 200; ++off) {
@@ -51,7 +53,7 @@ TEST(SoxrOutputAllowance, NeverExceedsTheBufferWhereTheRequestIsCapped) {
     });
 }
 
-TEST(SoxrOutputAllowance, WholeFramesAtOneRateAreNeverHeldBack) {
+TEST(SdkOutputAllowance, WholeFramesAtOneRateAreNeverHeldBack) {
     ForEachFormatPair([](const SWavFormat& from, const SWavFormat& to) {
         if (from.nSampleRate != to.nSampleRate) return;
         const COutputAllowance allowance(from, to);
@@ -60,7 +62,7 @@ TEST(SoxrOutputAllowance, WholeFramesAtOneRateAreNeverHeldBack) {
     });
 }
 
-TEST(SoxrOutputAllowance, CoversWhatTheInputIsWorthLessOneFrame) {
+TEST(SdkOutputAllowance, CoversWhatTheInputIsWorthLessOneFrame) {
     ForEachFormatPair([](const SWavFormat& from, const SWavFormat& to) {
         const COutputAllowance allowance(from, to);
         for (int frames = 1; frames < 2000; frames += 7) {
@@ -70,14 +72,14 @@ TEST(SoxrOutputAllowance, CoversWhatTheInputIsWorthLessOneFrame) {
     });
 }
 
-TEST(SoxrOutputAllowance, TailAlwaysMovesOn) {
+TEST(SdkOutputAllowance, TailAlwaysMovesOn) {
     ForEachFormatPair([](const SWavFormat& from, const SWavFormat& to) {
         ASSERT_GE(COutputAllowance(from, to).TailFrames(0), 1);
         ASSERT_GE(COutputAllowance(from, to).TailFrames(4), COutputAllowance(from, to).Frames(16));
     });
 }
 
-TEST(SoxrOutputAllowance, StaysWithinAnIntOfBytes) {
+TEST(SdkOutputAllowance, StaysWithinAnIntOfBytes) {
     const SWavFormat from{8000, 8, 1};
     const SWavFormat to{192000, 32, 2};
     EXPECT_LE(COutputAllowance(from, to).Frames(INT32_MAX) * BlockSizeOf(to), INT32_MAX);
