@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr const char* kExamples =
+constexpr const char* kConvertExamples =
     "Examples:\n"
     "  keloaudio convert in.oga out.flac --rate 48000 --bits 24\n"
     "  keloaudio convert --to flac --out-dir flac --recursive music --skip-existing\n"
@@ -92,4 +92,4 @@ std::function<int()> DefineConvert(CLI::App& app) {
 
 }  // namespace
 
-const SCommand kConvertCommand = {"convert", "Convert audio files", kExamples, DefineConvert};
+const SCommand kConvertCommand = {"convert", "Convert audio files", kConvertExamples, DefineConvert};

@@ -22,7 +22,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kExamples =
+constexpr const char* kValidateExamples =
     "Examples:\n"
     "  keloaudio validate ./mydecoder.so --sample song.xyz\n"
     "  keloaudio validate --only source,seek --verbose ./mydecoder.so\n"
@@ -138,4 +138,4 @@ std::function<int()> DefineValidate(CLI::App& app) {
 
 }  // namespace
 
-const SCommand kValidateCommand = {"validate", "Check plug-ins against what hosts rely on", kExamples, DefineValidate};
+const SCommand kValidateCommand = {"validate", "Check plug-ins against what hosts rely on", kValidateExamples, DefineValidate};

@@ -1,0 +1,1 @@
+// Gives the build something to compile the shared headers with.
