@@ -138,4 +138,5 @@ std::function<int()> DefineValidate(CLI::App& app) {
 
 }  // namespace
 
-const SCommand kValidateCommand = {"validate", "Check plug-ins against what hosts rely on", kValidateExamples, DefineValidate};
+const SCommand kValidateCommand = {"validate", "Check plug-ins against what hosts rely on", kValidateExamples,
+                                   DefineValidate};
