@@ -1,6 +1,8 @@
 // The plug-in's component: fetches "http://" and "ftp://" sources.
 #include "plugins/curl/CurlHandler.h"
 
+#include <libintl.h>
+
 #include <memory>
 #include <stdexcept>
 
@@ -8,8 +10,17 @@
 #include "plugins/curl/FileName.h"
 #include "plugins/curl/Transfer.h"
 #include "plugins/curl/URLText.h"
+#include "plugins/shared/Gtk.h"
 
 CCurlHandler::CCurlHandler() : CURLHandlerComponent("libcurl URL Handler", URL_HTTP | URL_FTP) {}
+
+bool CCurlHandler::HasAbout() { return CanShowDialogs(); }
+
+void CCurlHandler::About() {
+    if (!HasAbout()) return;
+    ShowAboutBox(AppWindowOf(Manager()), GetName(), dgettext(kTextDomain, "Fetches remote files with %s."),
+                 m_library.Name().c_str());
+}
 
 void CCurlHandler::End() noexcept {
     m_downloads.Remove();

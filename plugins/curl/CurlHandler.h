@@ -3,14 +3,20 @@
 
 #include <string>
 
+#include "com/Configurable.h"
 #include "plugins/curl/CurlLibrary.h"
 #include "plugins/curl/Downloads.h"
+#include "plugins/shared/AboutBox.h"
 #include "sdk/URLHandler.h"
 
-// Fetched files live until Terminate. [any thread]
-class CCurlHandler final : public CURLHandlerComponent<> {
+// Fetched files live until Terminate. [any thread], and HasAbout and About [GTK thread]
+class CCurlHandler final : public CURLHandlerComponent<IComponentAbout> {
 public:
     CCurlHandler();
+
+    const char* GetVendor() override { return kVendor; }
+    bool HasAbout() override;
+    void About() override;
 
 private:
     void End() noexcept override;

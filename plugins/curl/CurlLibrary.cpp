@@ -3,6 +3,7 @@
 
 #include <curl/curl.h>
 
+#include <stdexcept>
 #include <string>
 
 #include "sdk/Guard.h"
@@ -16,6 +17,15 @@ void CCurlLibrary::Use() {
     if (const std::string reason = DelayLoad_curl(); !reason.empty()) Refuse(reason);
     if (const CURLcode code = curl_global_init(CURL_GLOBAL_DEFAULT); code != CURLE_OK) Refuse(curl_easy_strerror(code));
     m_bInitialised = true;
+}
+
+std::string CCurlLibrary::Name() {
+    try {
+        Use();
+        return std::string("libcurl ") + curl_version_info(CURLVERSION_NOW)->version;
+    } catch (const std::runtime_error& error) {
+        return error.what();
+    }
 }
 
 void CCurlLibrary::Finish() noexcept {

@@ -1,9 +1,10 @@
-// The manager with the reference plug-ins loaded.
+// The manager with reference plug-ins loaded.
 #pragma once
 
 #include <filesystem>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "com/AudioComponent.h"
 #include "com/ComPtr.h"
@@ -14,8 +15,10 @@
 
 class CLoadedPlugins {
 public:
-    CLoadedPlugins() {
-        for (const std::filesystem::path plugin : {KELO_SNDFILE_PLUGIN, KELO_SOXR_PLUGIN}) {
+    // sndfile, soxr and `further` ones.
+    explicit CLoadedPlugins(std::vector<std::filesystem::path> further = {}) {
+        further.insert(further.end(), {KELO_SNDFILE_PLUGIN, KELO_SOXR_PLUGIN});
+        for (const std::filesystem::path& plugin : further) {
             std::filesystem::create_symlink(plugin, m_scratch.Path() / plugin.filename());
         }
         m_manager->SetPluginDirectory(m_scratch.Path().c_str());

@@ -17,6 +17,21 @@ constexpr SComponent kComponents[] = {
     {"libsndfile Decoder", "Reads sound files with libsndfile-1."},
     {"libsndfile Encoder", "Writes sound files with libsndfile-1."},
     {"SoX Resampler Convertor", "Converts sample rates, sample sizes and channels with libsoxr-0."},
+#ifdef KELO_LIBAV_PLUGIN
+    {"libavcodec Decoder", "Reads sound files with libavformat 5"},
+#endif
+#ifdef KELO_CURL_PLUGIN
+    {"libcurl URL Handler", "Fetches remote files with libcurl 7."},
+#endif
+};
+
+const std::vector<std::filesystem::path> kFurtherPlugins = {
+#ifdef KELO_LIBAV_PLUGIN
+    KELO_LIBAV_PLUGIN,
+#endif
+#ifdef KELO_CURL_PLUGIN
+    KELO_CURL_PLUGIN,
+#endif
 };
 
 // What was seen of a box while it was open.
@@ -55,7 +70,7 @@ guint CountWindows() {
 }  // namespace
 
 TEST(PluginAbout, NamesItsVendor) {
-    const CLoadedPlugins plugins;
+    const CLoadedPlugins plugins(kFurtherPlugins);
     for (const SComponent& component : kComponents) {
         const auto about = plugins.About(component.m_pszName);
         ASSERT_TRUE(about) << component.m_pszName;
@@ -64,7 +79,7 @@ TEST(PluginAbout, NamesItsVendor) {
 }
 
 TEST(PluginAbout, IsNotOfferedWhileGtkHasNoDisplay) {
-    const CLoadedPlugins plugins;
+    const CLoadedPlugins plugins(kFurtherPlugins);
     ASSERT_NE(dlsym(RTLD_DEFAULT, "gtk_major_version"), nullptr);
     for (const SComponent& component : kComponents) {
         EXPECT_FALSE(plugins.About(component.m_pszName)->HasAbout()) << component.m_pszName;
@@ -74,7 +89,7 @@ TEST(PluginAbout, IsNotOfferedWhileGtkHasNoDisplay) {
 
 TEST(PluginAbout, IsOfferedWithGtk) {
     const CGtkSession gtk;
-    const CLoadedPlugins plugins;
+    const CLoadedPlugins plugins(kFurtherPlugins);
     for (const SComponent& component : kComponents) {
         EXPECT_TRUE(plugins.About(component.m_pszName)->HasAbout()) << component.m_pszName;
     }
@@ -82,7 +97,7 @@ TEST(PluginAbout, IsOfferedWithGtk) {
 
 TEST(PluginAbout, ShowsComponentLibraryAndVersionAboveTheHostsWindow) {
     const CGtkSession gtk;
-    const CLoadedPlugins plugins;
+    const CLoadedPlugins plugins(kFurtherPlugins);
     GtkWidget* const window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
     const guint windows = CountWindows();
     for (const SComponent& component : kComponents) {
@@ -100,13 +115,13 @@ TEST(PluginAbout, ShowsComponentLibraryAndVersionAboveTheHostsWindow) {
 
 TEST(PluginAbout, HasNoParentWithoutAHostsWindow) {
     const CGtkSession gtk;
-    const CLoadedPlugins plugins;
+    const CLoadedPlugins plugins(kFurtherPlugins);
     EXPECT_EQ(ShowAbout(*plugins.About("libsndfile Decoder")).m_pParent, nullptr);
 }
 
 TEST(PluginAbout, ForgetsTheManagerAtItsTermination) {
     const CGtkSession gtk;
-    const CLoadedPlugins plugins;
+    const CLoadedPlugins plugins(kFurtherPlugins);
     GtkWidget* const window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
     plugins.Manager().SetAppWindow(GTK_WINDOW(window));
     for (const SComponent& component : kComponents) {
@@ -117,7 +132,7 @@ TEST(PluginAbout, ForgetsTheManagerAtItsTermination) {
 }
 
 TEST(PluginAbout, TakesNoReferenceToTheManager) {
-    const CLoadedPlugins plugins;
+    const CLoadedPlugins plugins(kFurtherPlugins);
     EXPECT_EQ(plugins.Manager().AddRef(), 2u);
     EXPECT_EQ(plugins.Manager().Release(), 1u);
 }
