@@ -18,7 +18,10 @@ tm* HandOut(tm* fields, tm* out) {
 
 }  // namespace
 
-int CPortableTime::GetYear() { return LocalFields(*m_pSeconds).tm_year + 1900; }
+// The last years that the C library knows wrap.
+int CPortableTime::GetYear() {
+    return static_cast<int>(static_cast<unsigned int>(LocalFields(*m_pSeconds).tm_year) + 1900);
+}
 
 int CPortableTime::GetMonth() { return LocalFields(*m_pSeconds).tm_mon + 1; }
 

@@ -18,6 +18,15 @@ FILETIME FileTimeOf(long seconds) {
     return {static_cast<unsigned int>(value), static_cast<unsigned int>(value >> 32)};
 }
 
+// Unsigned arithmetic wraps where that of signed seconds would not be defined.
+long Sum(long left, long right) {
+    return static_cast<long>(static_cast<unsigned long>(left) + static_cast<unsigned long>(right));
+}
+
+long Difference(long left, long right) {
+    return static_cast<long>(static_cast<unsigned long>(left) - static_cast<unsigned long>(right));
+}
+
 long SecondsOf(const SYSTEMTIME& systemTime, int daylightSaving) {
     tm fields = {};
     fields.tm_sec = systemTime.wSecond;
@@ -49,7 +58,7 @@ CPortableTime::CPortableTime(unsigned int year, int month, int day, int hour, in
     fields.tm_min = minute;
     fields.tm_hour = hour;
     fields.tm_mday = day;
-    fields.tm_mon = month - 1;
+    fields.tm_mon = static_cast<int>(static_cast<unsigned int>(month) - 1);
     fields.tm_year = static_cast<int>(year - 1900);
     fields.tm_isdst = daylightSaving;
     *m_pSeconds = mktime(&fields);
@@ -97,18 +106,18 @@ bool CPortableTime::operator>(const CPortableTime& other) const { return *m_pSec
 bool CPortableTime::operator<=(const CPortableTime& other) const { return *m_pSeconds <= *other.m_pSeconds; }
 
 CPortableTimeSpan CPortableTime::operator-(const CPortableTime& other) const {
-    return CPortableTimeSpan(*m_pSeconds - *other.m_pSeconds);
+    return CPortableTimeSpan(Difference(*m_pSeconds, *other.m_pSeconds));
 }
 
 CPortableTime CPortableTime::operator+(const CPortableTimeSpan& span) const {
-    return CPortableTime(*m_pSeconds + span.GetTotalSeconds());
+    return CPortableTime(Sum(*m_pSeconds, span.GetTotalSeconds()));
 }
 
 CPortableTime CPortableTime::operator-(const CPortableTimeSpan& span) const {
-    return CPortableTime(*m_pSeconds - span.GetTotalSeconds());
+    return CPortableTime(Difference(*m_pSeconds, span.GetTotalSeconds()));
 }
 
 CPortableTime& CPortableTime::operator+=(CPortableTimeSpan span) {
-    *m_pSeconds += span.GetTotalSeconds();
+    *m_pSeconds = Sum(*m_pSeconds, span.GetTotalSeconds());
     return *this;
 }
