@@ -9,6 +9,7 @@
 #include "com/FeatureSupport.h"
 #include "com/InterfaceIds.h"
 #include "com/NamedSettings.h"
+#include "host/Failure.h"
 #include "host/Tags.h"
 #include "stream/AudioTargetOpener.h"
 #include "stream/Convertor.h"
@@ -38,15 +39,30 @@ std::string TypeText(EAudioComponentType type) {
 
 std::string TextOf(const char* text) { return text != nullptr ? text : ""; }
 
+// A count beyond it is a lie, and following it would take all memory.
+constexpr int kMostEntries = 10000;
+
+void RequireCount(int count, const char* what) {
+    if (count >= 0 && count <= kMostEntries) return;
+    throw CFailure("impossible count", std::to_string(count) + " " + what);
+}
+
 std::vector<SSettingReport> SettingsOf(IUnknown* object) {
     std::vector<SSettingReport> reports;
     const auto settings = CComPtr<INamedSettings>::Query(object, IID_INamedSettings);
-    for (int i = 0; settings && i < settings->GetSettingCount(); ++i) {
+    const int count = settings ? settings->GetSettingCount() : 0;
+    RequireCount(count, "settings");
+    for (int i = 0; i < count; ++i) {
         const std::string name = TextOf(settings->GetSettingName(i));
         const std::string values = TextOf(settings->GetSettingValues(i));
         if (!name.empty()) reports.push_back({name, values, TextOf(settings->GetSetting(name.c_str()))});
     }
     return reports;
+}
+
+void RequireExtensionCount(IAudioComponent& component) {
+    const auto list = CComPtr<IExtensionList>::Query(&component, IID_IExtensionList);
+    if (list) RequireCount(list->GetCount(), "extensions");
 }
 
 std::vector<std::string> TagsOf(IAudioTarget* target) {
@@ -111,6 +127,14 @@ nlohmann::ordered_json SettingsJson(const std::vector<SSettingReport>& settings)
     return json;
 }
 
+std::vector<SSettingReport> SettingsFromJson(const nlohmann::ordered_json& json) {
+    std::vector<SSettingReport> settings;
+    for (const nlohmann::ordered_json& setting : json) {
+        settings.push_back({setting.at("name"), setting.at("takes"), setting.at("value")});
+    }
+    return settings;
+}
+
 }  // namespace
 
 SComponentPlace PlaceOf(const CPluginSession& session, IAudioComponent& component) {
@@ -128,6 +152,7 @@ SComponentReport ReportOn(const CPluginSession& session, IAudioComponent& compon
     SComponentPlace place = PlaceOf(session, component);
     report.m_strFile = std::move(place.m_strFile);
     report.m_nIndex = place.m_nIndex;
+    RequireExtensionCount(component);
     report.m_extensions = ExtensionsOf(component);
     report.m_capabilities = CapabilitiesOf(component);
     report.m_protocols = ProtocolsOf(component);
@@ -153,4 +178,22 @@ nlohmann::ordered_json ToJson(const SComponentReport& report) {
             {"protocols", report.m_protocols},
             {"settings", SettingsJson(report.m_settings)},
             {"targets", std::move(targets)}};
+}
+
+SComponentReport ComponentReportFromJson(const nlohmann::ordered_json& json) {
+    SComponentReport report;
+    report.m_strType = json.at("type");
+    report.m_strName = json.at("name");
+    report.m_strVendor = json.at("vendor");
+    report.m_strFile = json.at("file");
+    report.m_nIndex = json.at("index");
+    report.m_extensions = json.at("extensions").get<std::vector<std::string>>();
+    report.m_capabilities = json.at("capabilities").get<std::vector<std::string>>();
+    report.m_protocols = json.at("protocols").get<std::vector<std::string>>();
+    report.m_settings = SettingsFromJson(json.at("settings"));
+    for (const nlohmann::ordered_json& target : json.at("targets")) {
+        report.m_targets.push_back({target.at("extension"), SettingsFromJson(target.at("settings")),
+                                    target.at("tags").get<std::vector<std::string>>()});
+    }
+    return report;
 }

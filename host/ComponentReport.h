@@ -33,7 +33,7 @@ struct SComponentReport {
     std::vector<STargetReport> m_targets;     // of an encoder, by extension
 };
 
-// Asks the component. Nothing is written. [host set-up]
+// Asks the component. Nothing is written. Throws CFailure for one that counts what cannot be. [host set-up]
 SComponentReport ReportOn(const CPluginSession& session, IAudioComponent& component);
 
 // The plug-in file and index of a component.
@@ -44,3 +44,6 @@ struct SComponentPlace {
 SComponentPlace PlaceOf(const CPluginSession& session, IAudioComponent& component);
 
 nlohmann::ordered_json ToJson(const SComponentReport& report);
+
+// Of what ToJson made.
+SComponentReport ComponentReportFromJson(const nlohmann::ordered_json& json);

@@ -9,6 +9,7 @@
 
 #include "com/InterfaceIds.h"
 #include "host/Failure.h"
+#include "host/FailureText.h"
 
 namespace {
 

@@ -57,6 +57,12 @@ std::string StatusText(IStatus* status, const std::string& otherwise, const std:
     return otherwise;
 }
 
+std::string JoinNames(const std::vector<std::string>& names) {
+    std::string joined;
+    for (const std::string& name : names) joined += (joined.empty() ? "" : ", ") + name;
+    return joined.empty() ? "none" : joined;
+}
+
 void ReportFailure(const char* subject, const char* reason) noexcept {
     // Threads report at the same time, each line in one piece.
     flockfile(stderr);

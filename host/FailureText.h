@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "com/Status.h"
 
@@ -15,6 +16,9 @@ std::string AudioErrorText(EAudioError error);
 // tells nothing. Plug-ins may begin a description with the name of the file, which is `path` or its last component:
 // that name is left out, since a report begins with the name that the person gave.
 std::string StatusText(IStatus* status, const std::string& otherwise, const std::string& path);
+
+// Names separated by ", "; "none" for no names.
+std::string JoinNames(const std::vector<std::string>& names);
 
 // Writes "keloaudio: subject: reason" as one line to standard error; control characters come out as '?'.
 // A null subject is left out. Allocates nothing, so that it works when memory is short.

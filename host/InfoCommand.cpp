@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "host/ComponentReport.h"
+#include "host/CrashNote.h"
 #include "host/Encoders.h"
 #include "host/FailureText.h"
 #include "host/FormatText.h"
@@ -107,6 +108,7 @@ nlohmann::ordered_json ToJson(const SSourceReport& report) {
 }
 
 int RunInfo(const SInfoOptions& options) {
+    NoteCrashes(ChosenPluginDirectory(options.m_plugins));
     const CPluginSession session(options.m_plugins);
     nlohmann::ordered_json sources = nlohmann::ordered_json::array();
     int exitStatus = 0;

@@ -10,9 +10,12 @@
 #include <utility>
 #include <vector>
 
-#include "host/ComponentReport.h"
+#include "host/Failure.h"
+#include "host/FailureText.h"
 #include "host/Json.h"
-#include "host/PluginCall.h"
+#include "host/PluginListing.h"
+#include "host/StandardOutput.h"
+#include "host/TimeLimit.h"
 
 namespace {
 
@@ -23,6 +26,7 @@ constexpr std::size_t kLabelWidth = 14;
 struct SListOptions {
     SPluginOptions m_plugins;
     bool m_bJson = false;
+    STimeLimit m_limit;
 };
 
 std::string Padded(const std::string& text, std::size_t width) {
@@ -101,32 +105,42 @@ void PrintReports(const std::vector<SComponentReport>& reports) {
     }
 }
 
-void PrintReportsJson(const CPluginSession& session, const std::vector<SComponentReport>& reports) {
+void PrintListingJson(const SPluginListing& listing) {
     nlohmann::ordered_json components = nlohmann::ordered_json::array();
-    for (const SComponentReport& report : reports) components.push_back(ToJson(report));
-    PrintJson({{"directory", session.GetDirectory()}, {"components", std::move(components)}});
+    for (const SComponentReport& report : listing.m_components) components.push_back(ToJson(report));
+    nlohmann::ordered_json failures = nlohmann::ordered_json::array();
+    for (const SPluginFailure& failure : listing.m_failures) {
+        failures.push_back({{"file", failure.m_strFile}, {"reason", failure.m_strReason}});
+    }
+    PrintJson({{"directory", listing.m_strDirectory},
+               {"components", std::move(components)},
+               {"failures", std::move(failures)}});
+}
+
+void ReportFailures(const SPluginListing& listing) {
+    for (const SPluginFailure& failure : listing.m_failures) {
+        const std::string file = failure.m_strFile.empty() ? "" : "/" + failure.m_strFile;
+        ReportFailure((listing.m_strDirectory + file).c_str(), failure.m_strReason.c_str());
+    }
 }
 
 int RunList(const SListOptions& options) {
-    const CPluginSession session(options.m_plugins);
-    CallPlugins(session.GetDirectory(), [&] {
-        std::vector<SComponentReport> reports;
-        for (const CComPtr<IAudioComponent>& component : session.GetComponents()) {
-            reports.push_back(ReportOn(session, *component));
-        }
-        if (options.m_bJson) {
-            PrintReportsJson(session, reports);
-        } else {
-            PrintReports(reports);
-        }
-    });
-    return 0;
+    const SPluginListing listing = ListPlugins(options.m_plugins, options.m_limit.Get());
+    if (options.m_bJson) {
+        PrintListingJson(listing);
+    } else {
+        PrintReports(listing.m_components);
+    }
+    FlushStandardOutput();
+    ReportFailures(listing);
+    return listing.m_failures.empty() ? 0 : kExitFailed;
 }
 
 std::function<int()> DefineList(CLI::App& app) {
     const auto options = std::make_shared<SListOptions>();
     AddPluginOptions(app, options->m_plugins);
     app.add_flag("--json", options->m_bJson, "Print JSON");
+    AddTimeLimit(app, options->m_limit, "Seconds that the plug-ins may take; 10 if left out");
     return [options] { return RunList(*options); };
 }
 

@@ -1,47 +1,18 @@
 // The manager with its plug-ins loaded.
 #include "host/PluginSession.h"
 
-#include <limits.h>
-
-#include <algorithm>
-#include <cerrno>
-#include <filesystem>
-#include <system_error>
-
 #include "com/ComponentEnum.h"
 #include "com/ComponentOrder.h"
 #include "com/FeatureSupport.h"
 #include "com/InterfaceIds.h"
 #include "com/NamedSettings.h"
-#include "host/Failure.h"
 #include "host/FailureText.h"
 #include "host/PluginCall.h"
-#include "host/PluginTrust.h"
+#include "host/PluginDirectory.h"
 #include "pluginmgr/GetAudioPluginMgr.h"
 #include "stream/FileOpener.h"
 
 namespace {
-
-constexpr const char* kOtherDirectoryHint = " (--plugins DIR names another plug-in directory)";
-
-// The names of the files that the manager tries. The manager itself passes over a directory that it cannot enter.
-std::vector<std::string> ListCandidates(const std::string& directory) {
-    std::error_code error;
-    std::filesystem::directory_iterator entries(directory, error);
-    if (error) throw CFailure(directory, error.message() + kOtherDirectoryHint);
-    std::vector<std::string> names;
-    for (const std::filesystem::directory_entry& entry : entries) {
-        if (entry.path().extension() == ".so") names.push_back(entry.path().filename().string());
-    }
-    if (names.empty()) throw CFailure(directory, std::string("no plug-ins (*.so) here") + kOtherDirectoryHint);
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
-// Plug-in libraries keep their path in PATH_MAX bytes.
-void RequireShortPath(const std::string& directory) {
-    if (directory.size() + 1 + NAME_MAX >= PATH_MAX) throw CFailure(directory, SystemErrorText(ENAMETOOLONG));
-}
 
 bool IsAsked(IAudioComponent& component) {
     const auto opener = CComPtr<IAudioFileOpener>::Query(&component, IID_IAudioFileOpener);
@@ -51,11 +22,7 @@ bool IsAsked(IAudioComponent& component) {
 
 }  // namespace
 
-CPluginSession::CPluginSession(const SPluginOptions& options)
-    : m_strDirectory(std::filesystem::absolute(ChosenPluginDirectory(options)).string()) {
-    m_vCandidates = ListCandidates(m_strDirectory);
-    RequireShortPath(m_strDirectory);
-    if (!options.m_bTrusted) RequireTrustedPlugins(m_strDirectory, m_strDirectory == DefaultPluginDirectory());
+CPluginSession::CPluginSession(const SPluginOptions& options) : m_strDirectory(RequirePluginDirectory(options)) {
     if (GetAudioPluginMgr(m_pManager.Out()) != 1) throw CFailure(m_strDirectory, "no plug-in manager");
     m_pManager->SetPluginDirectory(m_strDirectory.c_str());
     try {
@@ -132,9 +99,8 @@ void CPluginSession::SetConvertorSetting(const std::string& name, const std::str
     });
 }
 
-void CPluginSession::RequireComponents() {
-    if (!GetComponents().empty()) return;
-    throw CFailure(m_strDirectory, "no usable plug-in here (tried: " + JoinNames(m_vCandidates) + ")");
+void CPluginSession::RequireComponents() const {
+    if (GetComponents().empty()) throw CNoUsablePlugin(m_strDirectory);
 }
 
 void CPluginSession::Unload() {
@@ -160,10 +126,4 @@ std::vector<std::string> ExtensionsOf(IAudioComponent& component) {
         if (extension != nullptr) extensions.emplace_back(extension);
     }
     return extensions;
-}
-
-std::string JoinNames(const std::vector<std::string>& names) {
-    std::string joined;
-    for (const std::string& name : names) joined += (joined.empty() ? "" : ", ") + name;
-    return joined.empty() ? "none" : joined;
 }

@@ -17,8 +17,7 @@
 // [host set-up] for its beginning and end and for settings, [any thread] in between
 class CPluginSession {
 public:
-    // Throws CFailure for a directory that cannot be read, that others may write to or that yields no component, and
-    // when a plug-in throws.
+    // Throws CFailure as RequirePluginDirectory does and when a plug-in throws, and CNoUsablePlugin.
     explicit CPluginSession(const SPluginOptions& options);
     ~CPluginSession();
 
@@ -45,12 +44,11 @@ public:
 private:
     std::vector<CComPtr<IAudioComponent>> GetDecoders() const;
     void Load();
-    void RequireComponents();
+    void RequireComponents() const;
     void EnableFeatures() const;
     void Unload();
 
     std::string m_strDirectory;
-    std::vector<std::string> m_vCandidates;
     CComPtr<IAudioPluginMgr> m_pManager;
     std::unique_ptr<CConvertorWatch> m_convertorWatch;
 };
@@ -60,6 +58,3 @@ std::string NameOf(IAudioComponent& component);
 
 // The extensions that the component lists; empty without IExtensionList.
 std::vector<std::string> ExtensionsOf(IAudioComponent& component);
-
-// Names separated by ", ".
-std::string JoinNames(const std::vector<std::string>& names);

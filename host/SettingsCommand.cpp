@@ -6,6 +6,7 @@
 
 #include "com/Configurable.h"
 #include "com/InterfaceIds.h"
+#include "host/CrashNote.h"
 #include "host/Failure.h"
 #include "host/PluginCall.h"
 #include "host/PluginOptions.h"
@@ -26,6 +27,7 @@ std::string ChosenImagesDirectory(const SSettingsOptions& options) {
 }
 
 int RunSettings(const SSettingsOptions& options) {
+    NoteCrashes(ChosenPluginDirectory(options.m_plugins));
     const CPluginSession session(options.m_plugins);
     return CallPlugins(session.GetDirectory(), [&] {
         session.GetManager().SetImagesDirectory(ChosenImagesDirectory(options).c_str());

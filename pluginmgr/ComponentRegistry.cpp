@@ -7,6 +7,16 @@
 #include "portable/PosixSingleLock.h"
 #include "portable/UnicodeStrings.h"
 
+namespace {
+
+// The next push_back cannot fail. Twice the room, so that many components do not take quadratic time.
+template <typename T>
+void MakeRoom(std::vector<T>& list) {
+    if (list.size() == list.capacity()) list.reserve(2 * list.size() + 1);
+}
+
+}  // namespace
+
 void CAudioPluginMgr::AddComponent(IAudioComponent* component, const char* libraryFileName, int index) {
     if (component == nullptr) return;
     if (component->GetType() == ACT_COLLECTION) {
@@ -16,8 +26,8 @@ void CAudioPluginMgr::AddComponent(IAudioComponent* component, const char* libra
     auto identity = std::make_unique<COMPONENT_INFO>();
     identity->m_strLibraryFileName = libraryFileName;
     identity->m_nIndex = index;
-    m_vComponents.reserve(m_vComponents.size() + 1);
-    m_vIdentities.reserve(m_vIdentities.size() + 1);
+    MakeRoom(m_vComponents);
+    MakeRoom(m_vIdentities);
     component->AddRef();
     m_vComponents.push_back(component);
     m_vIdentities.push_back(std::move(identity));

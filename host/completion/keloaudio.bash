@@ -15,7 +15,8 @@ _keloaudio_values() {
 _keloaudio_options() {
   local plugins='--plugins --trust-plugins --help'
   case $1 in
-    list | info) echo "--json $plugins" ;;
+    list) echo "--json --timeout $plugins" ;;
+    info) echo "--json $plugins" ;;
     settings) echo "--images $plugins" ;;
     convert)
       echo "--to --out-dir --stdout --skip-existing --dry-run --set --recursive --shard --jobs --start --end --rate" \
@@ -39,7 +40,7 @@ _keloaudio() {
       mapfile -t COMPREPLY < <(compgen -d -- "$current")
       return
       ;;
-    --set | --shard | --jobs | -j | --start | --end | --channels) return ;;
+    --set | --shard | --jobs | -j | --start | --end | --channels | --timeout) return ;;
   esac
   values=$(_keloaudio_values "$previous")
   if [[ -n $values ]]; then

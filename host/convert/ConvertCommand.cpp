@@ -5,6 +5,7 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 
+#include "host/CrashNote.h"
 #include "host/Encoders.h"
 #include "host/Json.h"
 #include "host/PluginCall.h"
@@ -71,6 +72,7 @@ int ConvertOne(const CPluginSession& session, const SConvertOptions& options) {
 
 int RunConvert(SConvertOptions& options) {
     CompleteConvertOptions(options);
+    NoteCrashes(ChosenPluginDirectory(options.m_plugins));
     const CPluginSession session(options.m_plugins);
     Prepare(session, options);
     if (options.HasOneOutput()) return ConvertOne(session, options);

@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
+#include "host/ScratchPlace.h"
 #include "host/validate/Check.h"
 #include "host/validate/LoopbackServer.h"
 #include "host/validate/Outcome.h"
-#include "host/validate/ScratchPlace.h"
 #include "host/validate/Survey.h"
 #include "host/validate/Trial.h"
 #include "host/validate/TrialProcess.h"

@@ -3,7 +3,6 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cmath>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
@@ -14,6 +13,7 @@
 #include "host/Json.h"
 #include "host/PluginOptions.h"
 #include "host/StandardOutput.h"
+#include "host/TimeLimit.h"
 #include "host/validate/Catalogue.h"
 #include "host/validate/PluginRun.h"
 #include "host/validate/Report.h"
@@ -28,9 +28,6 @@ constexpr const char* kValidateExamples =
     "  keloaudio validate --only source,seek --verbose ./mydecoder.so\n"
     "  keloaudio validate --list-checks";
 
-constexpr double kUsualLimit = 10;
-constexpr double kShortestLimit = 0.1;
-constexpr double kLongestLimit = 3600;
 constexpr unsigned int kMostJobs = 256;
 
 struct SValidateOptions {
@@ -39,7 +36,7 @@ struct SValidateOptions {
     CPatterns m_only;
     CPatterns m_skip;
     std::string m_strURL;
-    double m_fLimit = kUsualLimit;
+    STimeLimit m_limit;
     unsigned int m_nJobs = std::max(1U, std::thread::hardware_concurrency());
     bool m_bListChecks = false;
     bool m_bJson = false;
@@ -68,7 +65,7 @@ SRunOptions RunOptionsOf(const SValidateOptions& options) {
     for (const std::string& sample : options.m_vSamples) run.m_vSamples.push_back(fs::absolute(sample).string());
     run.m_strURL = options.m_strURL;
     run.m_strOtherPlugins = DefaultPluginDirectory();
-    run.m_limit = std::chrono::milliseconds(std::lround(options.m_fLimit * 1000));
+    run.m_limit = options.m_limit.Get();
     run.m_nJobs = options.m_nJobs;
     run.m_bShowsErrors = options.m_bVerbose;
     return run;
@@ -110,9 +107,7 @@ void AddPatterns(CLI::App& app, const char* option, CPatterns& patterns, const c
 void AddChoices(CLI::App& app, SValidateOptions& options) {
     AddPatterns(app, "--only", options.m_only, "Run these checks alone: names, groups or wildcards");
     AddPatterns(app, "--skip", options.m_skip, "Leave these checks out");
-    app.add_option("--timeout", options.m_fLimit, "Seconds that a check may take; 10 if left out")
-        ->type_name("SECONDS")
-        ->check(CLI::Range(kShortestLimit, kLongestLimit));
+    AddTimeLimit(app, options.m_limit, "Seconds that a check may take; 10 if left out");
     app.add_option("--jobs", options.m_nJobs, "Checks beside each other; as many as processors if left out")
         ->type_name("N")
         ->check(CLI::Range(1U, kMostJobs));

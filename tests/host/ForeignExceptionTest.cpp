@@ -21,6 +21,10 @@ protected:
         UseFixture(fixture);
         ExpectFailure(RunWithChosen({"list"}), words);
     }
+
+    std::string InList(const std::string& fixture, const std::string& words) const {
+        return "keloaudio: " + PluginDirectory() + "/" + fixture + ": threw: " + words;
+    }
 };
 
 // What the manager holds when a plug-in throws while it loads or unloads stays allocated to the process's end, so the
@@ -44,12 +48,11 @@ TEST_F(ForeignException, WithoutWordsWhileReading) {
 }
 
 TEST_F(ForeignException, FromTheNameOfADecoder) {
-    ExpectListFault("ThrowsFromGetName.so", {"keloaudio: " + PluginDirectory() + ": no name comes to mind"});
+    ExpectListFault("ThrowsFromGetName.so", {InList("ThrowsFromGetName.so", "no name comes to mind")});
 }
 
 TEST_F(ForeignException, FromTheExtensionsInAList) {
-    ExpectListFault("ThrowsFromGetAt.so",
-                    {"keloaudio: " + PluginDirectory() + ": an exception of type ", "CWordlessTrouble"});
+    ExpectListFault("ThrowsFromGetAt.so", {InList("ThrowsFromGetAt.so", "an exception of type "), "CWordlessTrouble"});
 }
 
 TEST_F(ForeignException, FromTheExtensionsInTheSearchForADecoder) {
@@ -60,8 +63,8 @@ TEST_F(ForeignExceptionLeft, WhileLoadingNamesThePluginDirectory) {
     ExpectFault("ThrowsFromInitialize.so", "in.xyz", {"keloaudio: " + PluginDirectory() + ": no start is possible"});
 }
 
-TEST_F(ForeignExceptionLeft, WhileLoadingForAListNamesThePluginDirectory) {
-    ExpectListFault("ThrowsFromInitialize.so", {"keloaudio: " + PluginDirectory() + ": no start is possible"});
+TEST_F(ForeignException, WhileLoadingForAListNamesThePlugin) {
+    ExpectListFault("ThrowsFromInitialize.so", {InList("ThrowsFromInitialize.so", "no start is possible")});
 }
 
 TEST_F(ForeignExceptionLeft, WhileUnloadingComesTooLateToFail) {

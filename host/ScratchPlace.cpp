@@ -1,5 +1,5 @@
 // A directory for the files of a run.
-#include "host/validate/ScratchPlace.h"
+#include "host/ScratchPlace.h"
 
 #include <stdlib.h>
 
@@ -12,7 +12,7 @@
 namespace fs = std::filesystem;
 
 CScratchPlace::CScratchPlace() {
-    std::string name = (fs::canonical(fs::temp_directory_path()) / "keloaudio-validate-XXXXXX").string();
+    std::string name = (fs::canonical(fs::temp_directory_path()) / "keloaudio-XXXXXX").string();
     if (mkdtemp(name.data()) == nullptr) throw CFailure(name, SystemErrorText(errno));
     m_strPath = name;
 }

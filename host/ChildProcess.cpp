@@ -1,0 +1,95 @@
+// A process of its own for code that may crash or hang.
+#include "host/ChildProcess.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+
+#include "host/Failure.h"
+#include "host/FailureText.h"
+#include "host/StopSignal.h"
+
+namespace {
+
+// Signals as a fresh program has them: the one that asks this program to stop only leaves a mark.
+void ResetSignals() {
+    for (int number = 1; number < NSIG; ++number) signal(number, SIG_DFL);
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
+}
+
+void DetachFromTerminal(bool showsErrors) {
+    const int nowhere = open("/dev/null", O_RDWR | O_CLOEXEC);
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO}) dup2(nowhere, descriptor);
+    if (!showsErrors) dup2(nowhere, STDERR_FILENO);
+    if (nowhere > STDERR_FILENO) close(nowhere);
+}
+
+[[noreturn]] void RunInChild(const std::function<void()>& run, bool showsErrors) noexcept {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    const rlimit noCore = {0, 0};
+    setrlimit(RLIMIT_CORE, &noCore);
+    ResetSignals();
+    DetachFromTerminal(showsErrors);
+    run();
+    _exit(0);
+}
+
+}  // namespace
+
+CChildProcess::CChildProcess(const std::function<void()>& run, std::chrono::milliseconds limit, bool showsErrors)
+    : m_deadline(std::chrono::steady_clock::now() + limit) {
+    std::fflush(nullptr);
+    m_id = fork();
+    if (m_id == -1) throw CFailure("a process for plug-ins", SystemErrorText(errno));
+    if (m_id == 0) RunInChild(run, showsErrors);
+    // The declaration in glibc 2.36 lacks the C linkage that C++ needs.
+    m_nDescriptor = static_cast<int>(syscall(SYS_pidfd_open, m_id, 0));
+    if (m_nDescriptor != -1) return;
+    const int reason = errno;
+    kill(m_id, SIGKILL);
+    Reap(0);
+    throw CFailure("a process for plug-ins", "cannot be watched: " + SystemErrorText(reason));
+}
+
+CChildProcess::~CChildProcess() {
+    if (!m_bEnded) {
+        kill(m_id, SIGKILL);
+        Reap(0);
+    }
+    close(m_nDescriptor);
+}
+
+bool CChildProcess::Reap(int options) {
+    pid_t ended = 0;
+    do {
+        ended = waitpid(m_id, &m_nStatus, options);
+    } while (ended == -1 && errno == EINTR);
+    m_bEnded = ended == m_id;
+    return m_bEnded;
+}
+
+void CChildProcess::Wait() const {
+    pollfd descriptor = {m_nDescriptor, POLLIN, 0};
+    for (int ended = 0; ended <= 0;) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(m_deadline - std::chrono::steady_clock::now());
+        if (left.count() <= 0 || GetStopSignal() != 0) return;
+        ended = poll(&descriptor, 1, static_cast<int>(left.count()));
+    }
+}
+
+bool CChildProcess::Finish() {
+    if (Reap(WNOHANG)) return true;
+    kill(m_id, SIGKILL);
+    Reap(0);
+    return false;
+}

@@ -1,0 +1,50 @@
+// A last word before a plug-in takes the program down.
+#include "host/CrashNote.h"
+
+#include <signal.h>
+#include <unistd.h>
+
+#include <array>
+
+namespace {
+
+constexpr std::array<int, 5> kFatalSignals = {SIGABRT, SIGBUS, SIGFPE, SIGILL, SIGSEGV};
+
+// What was installed before, a sanitizer's for example, has its turn afterwards.
+std::array<struct sigaction, kFatalSignals.size()> g_earlier;
+
+// Written before the handlers are installed and never freed.
+std::string* g_pWords = nullptr;
+
+// Async-signal-safe.
+void TellAndPassOn(int signal, siginfo_t* info, void* /*context*/) {
+    static_cast<void>(!write(STDERR_FILENO, g_pWords->data(), g_pWords->size()));
+    for (std::size_t i = 0; i < kFatalSignals.size(); ++i) {
+        if (kFatalSignals[i] == signal) sigaction(signal, &g_earlier[i], nullptr);
+    }
+    // The instruction that failed fails again; a signal that was sent has to be sent again.
+    if (info->si_code <= 0) raise(signal);
+}
+
+std::string Printable(std::string text) {
+    for (char& character : text) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (byte < 0x20 || byte == 0x7F) character = '?';
+    }
+    return text;
+}
+
+}  // namespace
+
+void NoteCrashes(const std::string& pluginDirectory) {
+    static std::string words = "keloaudio: " + Printable(pluginDirectory) +
+                               ": crashed while these plug-ins were loaded (keloaudio list and keloaudio validate "
+                               "find out which one it was)\n";
+    g_pWords = &words;
+    for (std::size_t i = 0; i < kFatalSignals.size(); ++i) {
+        struct sigaction action = {};
+        action.sa_sigaction = TellAndPassOn;
+        action.sa_flags = SA_SIGINFO | SA_ONSTACK;
+        sigaction(kFatalSignals[i], &action, &g_earlier[i]);
+    }
+}

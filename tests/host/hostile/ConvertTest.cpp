@@ -1,0 +1,68 @@
+// keloaudio convert and info beside hostile plug-ins.
+#include <signal.h>
+
+#include "tests/host/hostile/HostileFixture.h"
+
+namespace {
+
+class ConvertBesideHostile : public CBesideHostile {
+protected:
+    void ExpectLastWord(const std::string& plugin, const std::vector<std::string>& arguments, int signal) const {
+        UseHostile(plugin);
+        const SRunResult result = RunWithChosen(arguments);
+        EXPECT_EQ(result.m_nExit, -signal) << result.m_strErr;
+        EXPECT_NE(
+            result.m_strErr.find("keloaudio: " + PluginDirectory() + ": crashed while these plug-ins were loaded"),
+            std::string::npos)
+            << result.m_strErr;
+        EXPECT_FALSE(std::filesystem::exists(InWork("out.wav")));
+    }
+};
+
+class MovingPlugin : public ConvertBesideHostile, public testing::WithParamInterface<const char*> {};
+
+}  // namespace
+
+TEST_P(MovingPlugin, ChangesNeitherInputsNorOutputs) {
+    std::filesystem::create_directory(m_scratch / "elsewhere");
+    std::filesystem::copy_file(kFrontCenter, InWork("in.wav"));
+    UseHostile(std::string("MovesAwayIn") + GetParam());
+    const SRunResult result = RunWithChosen({"convert", "--jobs", "1", "in.wav", "out.wav"});
+    EXPECT_EQ(result.m_nExit, 0) << result.m_strErr;
+    EXPECT_EQ(NamesIn(WorkDirectory()), (std::vector<std::string>{"in.wav", "out.wav"}));
+    EXPECT_EQ(NamesIn(m_scratch / "elsewhere"), std::vector<std::string>{});
+}
+
+INSTANTIATE_TEST_SUITE_P(Convert, MovingPlugin,
+                         testing::Values("Entry", "Initialize", "GetName", "Open", "Start", "RawRead", "OpenTarget",
+                                         "EncoderStart", "RawWrite", "End"),
+                         [](const auto& test) { return std::string(test.param); });
+
+TEST_F(ConvertBesideHostile, CrashLeavesALastWordAndNoOutput) {
+    ExpectLastWord("CrashesInRawRead", {"convert", kFrontCenter, "out.wav"}, SIGSEGV);
+}
+
+TEST_F(ConvertBesideHostile, AbortWhileLoadingLeavesALastWord) {
+    ExpectLastWord("AbortsInEntry", {"info", kFrontCenter}, SIGABRT);
+}
+
+TEST_F(ConvertBesideHostile, PluginThatRefusesToFinishDoesNotHoldUpTheEnd) {
+    UseHostile("NeverReady");
+    ExpectConverted(RunWithChosen({"convert", kFrontCenter, "out.wav"}), "out.wav: 48000 Hz");
+}
+
+TEST_F(ConvertBesideHostile, OpeningThatGivesNoStreamIsAFailure) {
+    UseHostile("OpensNothing");
+    ExpectFailure(RunWithChosen({"convert", kFrontCenter, "out.wav"}), {"keloaudio: "});
+    EXPECT_EQ(NamesIn(WorkDirectory()), std::vector<std::string>{});
+}
+
+TEST_F(ConvertBesideHostile, ExceptionOfAnEncoderIsAFailure) {
+    for (const std::string plugin : {"ThrowsIntInRawWrite", "ThrowsOtherInEncoderStart", "ThrowsErrorInEncoderEnd"}) {
+        SCOPED_TRACE(plugin);
+        UseHostile(plugin);
+        ExpectFailure(RunWithChosen({"convert", kFrontCenter, "out.wav"}), {"keloaudio: "});
+        EXPECT_EQ(NamesIn(WorkDirectory()), std::vector<std::string>{});
+        std::filesystem::remove(PluginDirectory() + "/" + plugin + ".so");
+    }
+}

@@ -1,0 +1,192 @@
+// keloaudio list names the plug-in that fails and lists the others.
+#include <nlohmann/json.hpp>
+
+#include "tests/host/hostile/HostileFixture.h"
+
+namespace {
+
+class ListBesideHostile : public CBesideHostile {
+protected:
+    std::string FailureLine(const std::string& name, const std::string& ending) const {
+        return "keloaudio: " + PluginDirectory() + "/" + name + ".so: " + ending + "\n";
+    }
+
+    // The healthy plug-in is listed.
+    void ExpectOthers(const SRunResult& result) const {
+        EXPECT_NE(result.m_strOut.find("Scripted Decoder  ScriptedDecoder.so 0"), std::string::npos) << result.m_strOut;
+    }
+
+    // What the plug-in itself or the runtime writes to standard error may stand before the line.
+    void ExpectNamed(const std::string& name, const std::string& ending) const {
+        UseHealthy();
+        const SRunResult result = RunWithChosen({"list"});
+        EXPECT_EQ(result.m_nExit, 1);
+        ExpectOthers(result);
+        const std::string line = FailureLine(name, ending);
+        EXPECT_NE(result.m_strErr.find(line), std::string::npos) << result.m_strErr;
+        EXPECT_EQ(result.m_strErr.find(".so: "), result.m_strErr.rfind(".so: ")) << result.m_strErr;
+    }
+
+    void ExpectListed(const std::string& text) const {
+        UseHealthy();
+        const SRunResult result = RunWithChosen({"list"});
+        EXPECT_EQ(result.m_nExit, 0);
+        EXPECT_EQ(result.m_strErr, "");
+        ExpectOthers(result);
+        EXPECT_NE(result.m_strOut.find(text), std::string::npos) << result.m_strOut;
+    }
+};
+
+struct SEnding {
+    const char* m_szPlugin;
+    const char* m_szEnding;
+};
+
+void PrintTo(const SEnding& ending, std::ostream* out) { *out << ending.m_szPlugin; }
+
+class HostilePlugin : public ListBesideHostile, public testing::WithParamInterface<SEnding> {};
+
+std::string NameOf(const testing::TestParamInfo<SEnding>& test) { return test.param.m_szPlugin; }
+
+}  // namespace
+
+TEST_P(HostilePlugin, IsNamedWithItsEndAndTheOthersAreListed) {
+    UseHostile(GetParam().m_szPlugin);
+    ExpectNamed(GetParam().m_szPlugin, GetParam().m_szEnding);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    List, HostilePlugin,
+    testing::Values(SEnding{"AbortsInEntry", "aborted (signal 6)"}, SEnding{"AbortsInGetName", "aborted (signal 6)"},
+                    SEnding{"AbortsInTerminate", "aborted (signal 6)"}, SEnding{"AbortsInReady", "aborted (signal 6)"},
+                    SEnding{"CrashesInInitialize", "crashed (signal 11)"},
+                    SEnding{"DanglingName", "crashed (signal 11)"},
+                    SEnding{"ExitsInEntry", "ended the process with status 0"},
+                    SEnding{"ExitsInGetAt", "ended the process with status 0"},
+                    SEnding{"EndlessExtensions", "impossible count: 2147483647 extensions"},
+                    SEnding{"NegativeExtensions", "impossible count: -1 extensions"},
+                    SEnding{"ThrowsErrorInEntry", "threw: a hostile word"},
+                    SEnding{"ThrowsErrorInInitialize", "threw: a hostile word"},
+                    SEnding{"ThrowsErrorInGetCount", "threw: a hostile word"},
+                    SEnding{"ThrowsErrorInOpenTarget", "threw: a hostile word"},
+                    SEnding{"ThrowsErrorInQueryInterface", "threw: a hostile word"},
+                    SEnding{"ThrowsIntInInitialize", "threw: an exception of type int"},
+                    SEnding{"ThrowsIntInGetName", "threw: an exception of type int"},
+                    SEnding{"ThrowsOtherInGetType", "threw: an exception of type (anonymous namespace)::SOther"},
+                    SEnding{"ThrowsOtherInGetOpenerState",
+                            "threw: an exception of type (anonymous namespace)::SOther"}),
+    NameOf);
+
+TEST_F(ListBesideHostile, PluginsThatHangAreAllNamedAfterOneMoreWait) {
+    for (const std::string name : {"HangsInEntry", "HangsInGetName", "HangsInTerminate"}) UseHostile(name);
+    UseHealthy();
+    const SRunResult result = RunWithChosen({"list", "--timeout", "2"});
+    EXPECT_EQ(result.m_nExit, 1);
+    ExpectOthers(result);
+    for (const std::string name : {"HangsInEntry", "HangsInGetName", "HangsInTerminate"}) {
+        EXPECT_NE(result.m_strErr.find(FailureLine(name, "did not answer within 2 s")), std::string::npos)
+            << result.m_strErr;
+    }
+}
+
+TEST_F(ListBesideHostile, WhatAPluginTellsBeforeItsEndIsListed) {
+    UseHostile("AbortsInTerminate");
+    const SRunResult result = RunWithChosen({"list"});
+    EXPECT_EQ(result.m_nExit, 1);
+    EXPECT_NE(result.m_strOut.find("Fixture  AbortsInTerminate.so 0  Fixture maker\n"), std::string::npos)
+        << result.m_strOut;
+}
+
+TEST_F(ListBesideHostile, CrashInTheCodeThatRunsWhenAPluginIsUnloaded) {
+    UseImpolite("CrashesWhenUnloaded");
+    ExpectNamed("CrashesWhenUnloaded", "aborted (signal 6)");
+}
+
+TEST_F(ListBesideHostile, CollectionThatHoldsItselfIsNamed) {
+    UseImpolite("CollectionHoldsItself");
+    ExpectNamed("CollectionHoldsItself", "crashed (signal 11)");
+}
+
+TEST_F(ListBesideHostile, JsonHoldsTheFailuresBesideTheComponents) {
+    UseHostile("AbortsInEntry");
+    UseHostile("ThrowsErrorInGetName");
+    UseHealthy();
+    const SRunResult result = RunWithChosen({"list", "--json"});
+    EXPECT_EQ(result.m_nExit, 1);
+    const nlohmann::json listing = nlohmann::json::parse(result.m_strOut);
+    EXPECT_EQ(listing.at("directory"), PluginDirectory());
+    EXPECT_EQ(listing.at("components").at(0).at("name"), "Scripted Decoder");
+    std::map<std::string, std::string> failures;
+    for (const nlohmann::json& failure : listing.at("failures")) failures[failure.at("file")] = failure.at("reason");
+    EXPECT_EQ(failures, (std::map<std::string, std::string>{{"AbortsInEntry.so", "aborted (signal 6)"},
+                                                            {"ThrowsErrorInGetName.so", "threw: a hostile word"}}));
+}
+
+TEST_F(ListBesideHostile, JsonOfHealthyPluginsHasNoFailures) {
+    UseHealthy();
+    const nlohmann::json listing = nlohmann::json::parse(RunWithChosen({"list", "--json"}).m_strOut);
+    EXPECT_EQ(listing.at("failures"), nlohmann::json::array());
+}
+
+TEST_F(ListBesideHostile, NothingButHostilePluginsListsNothing) {
+    UseHostile("ThrowsErrorInGetName");
+    ExpectFailure(RunWithChosen({"list"}), {FailureLine("ThrowsErrorInGetName", "threw: a hostile word")});
+}
+
+TEST_F(ListBesideHostile, NothingIsLeftAmongTheTemporaryFiles) {
+    const std::string temporary = m_scratch / "temporary";
+    std::filesystem::create_directory(temporary);
+    setenv("TMPDIR", temporary.c_str(), 1);
+    UseHostile("AbortsInEntry");
+    ExpectNamed("AbortsInEntry", "aborted (signal 6)");
+    unsetenv("TMPDIR");
+    EXPECT_EQ(NamesIn(temporary), std::vector<std::string>{});
+}
+
+TEST_F(ListBesideHostile, NullTextsAreLeftOut) {
+    UseHostile("NullName");
+    ExpectListed("decoder  (no name)         NullName.so 0         -\n");
+}
+
+TEST_F(ListBesideHostile, NullExtensionsAreLeftOut) {
+    UseHostile("NullExtensions");
+    ExpectListed("Fixture           NullExtensions.so 0   Fixture maker\n    can");
+}
+
+TEST_F(ListBesideHostile, MembersThatAreOnlyCountedAreLeftOut) {
+    UseHostile("MissingMembers");
+    UseHostile("NegativeMembers");
+    ExpectListed("MissingMembers.so 1");
+}
+
+TEST_F(ListBesideHostile, TargetThatIsNotThereIsLeftOut) {
+    UseHostile("OpensNothing");
+    ExpectListed("OpensNothing.so 1");
+}
+
+TEST_F(ListBesideHostile, IntFromAnEntryPointPassesOverThePlugin) {
+    UseHostile("ThrowsIntInEntry");
+    UseHostile("ThrowsIntInGetType");
+    ExpectListed("");
+}
+
+TEST_F(ListBesideHostile, PluginThatRefusesToFinishIsListed) {
+    UseHostile("NeverReady");
+    ExpectListed("NeverReady.so 0");
+}
+
+TEST_F(ListBesideHostile, PluginsThatChangeTheProcessAreListed) {
+    for (const std::string name : {"LeavesThread", "ChangesDirectory", "ChangesLocale", "IgnoresSignal", "BlocksSignal",
+                                   "ChangesFileCreationMask", "ChangesEnvironment"}) {
+        UseImpolite(name);
+    }
+    ExpectListed("ChangesLocale.so 0");
+}
+
+TEST_F(ListBesideHostile, RelativeDirectoryIsFoundAgainByEveryProcess) {
+    UseHostile("AbortsInEntry");
+    UseHealthy();
+    const SRunResult result = Run({"list", "--plugins", "../plugins"});
+    EXPECT_EQ(result.m_nExit, 1);
+    ExpectOthers(result);
+}
