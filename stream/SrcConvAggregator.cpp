@@ -83,8 +83,11 @@ bool CSrcConvAggregator::IsAdvancedFormatsEnabled() {
 unsigned int CSrcConvAggregator::AddRef() { return m_pInner->InnerAddRef(); }
 
 unsigned int CSrcConvAggregator::Release() {
+    // After the step another thread's may end this object.
+    const bool valid = m_bValid;
+    const unsigned int holdings = m_nHoldings;
     const unsigned int count = m_pInner->InnerRelease();
-    if (!m_bValid || count != m_nHoldings) return count;
+    if (!valid || count != holdings) return count;
     delete this;
     return 0;
 }

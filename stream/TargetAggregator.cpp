@@ -32,8 +32,9 @@ CTargetAggregator::~CTargetAggregator() = default;
 unsigned int CTargetAggregator::AddRef() { return m_pInner->InnerAddRef(); }
 
 unsigned int CTargetAggregator::Release() {
+    const bool valid = m_bValid;  // after the step another thread's may end this object
     const unsigned int count = m_pInner->InnerRelease();
-    if (!m_bValid || count != kHoldings) return count;
+    if (!valid || count != kHoldings) return count;
     delete this;
     return 0;
 }
