@@ -1,0 +1,136 @@
+// Loading, converting a file and unloading over and over leaves nothing behind.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "com/AudioComponent.h"
+#include "com/ComPtr.h"
+#include "com/InterfaceIds.h"
+#include "stream/AudioTargetOpener.h"
+#include "stream/FileOpener.h"
+#include "stream/Process.h"
+#include "stream/RawReader.h"
+#include "stream/RawWriter.h"
+#include "tests/plugins/sndfile/AudioFiles.h"
+#include "tests/support/ManagerHold.h"
+#include "tests/support/ProcessUse.h"
+#include "tests/support/Sanitizers.h"
+#include "tests/support/ScratchDirectory.h"
+
+namespace {
+
+constexpr bool kSanitized = support::kAddressSanitizer || support::kThreadSanitizer;
+constexpr SWavFormat kStored{44100, 16, 2};
+constexpr SWavFormat kConverted{48000, 24, 1};
+
+// KELO_LONG_TESTS asks for more, as ./check --long does.
+int Rounds() {
+    if (kSanitized) return 20;
+    return std::getenv("KELO_LONG_TESTS") != nullptr ? 10000 : 100;
+}
+
+// A tenth of a second.
+std::string ShortSound() {
+    std::string samples;
+    for (std::uint64_t i = 0; i < 4410 * 2; ++i) samples += LittleEndian(i * 7 % 20000, 2);
+    return WavFile(kStored, samples);
+}
+
+class ConvertingSoak : public testing::Test {
+protected:
+    ConvertingSoak() {
+        std::filesystem::create_directory(m_scratch / "plugins");
+        for (const std::filesystem::path plugin : {KELO_SNDFILE_PLUGIN, KELO_SOXR_PLUGIN}) {
+            std::filesystem::create_symlink(plugin, m_scratch.Path() / "plugins" / plugin.filename());
+        }
+        m_manager->SetPluginDirectory((m_scratch / "plugins").c_str());
+        m_scratch.Write("in.wav", ShortSound());
+    }
+
+    // One round: everything that a host does to convert one file, from loading to unloading.
+    void LoadConvertUnload() {
+        ASSERT_TRUE(m_manager->LoadPlugins());
+        ASSERT_NO_FATAL_FAILURE(Convert());
+        ASSERT_TRUE(m_manager->UnloadPlugins());
+        ASSERT_EQ(std::filesystem::file_size(m_scratch / "out.wav"), m_nOutputBytes);
+    }
+
+    // On a thread of their own, with which malloc's cache of freed blocks ends: it counts as handed out.
+    void RunRounds(int rounds) {
+        std::thread([this, rounds] {
+            for (int i = 0; i < rounds && !HasFatalFailure(); ++i) LoadConvertUnload();
+        }).join();
+    }
+
+    void Convert() {
+        CComPtr<IUnknown> source;
+        CComPtr<IUnknown> target;
+        CComPtr<IAudioTarget> opened;
+        ASSERT_TRUE(m_manager->OpenURLAudioFile((m_scratch / "in.wav").c_str(), &kConverted, source.Out(), -1,
+                                                AUX_CONVERT, AUX_NONE, nullptr));
+        ASSERT_NO_FATAL_FAILURE(OpenTarget(opened));
+        ASSERT_TRUE(m_manager->CreateURLAudioTarget(opened->GetTargetFactory(), target.Out(), kConverted, nullptr));
+        const auto reading = CComPtr<IProcess>::Query(source.Get(), IID_IProcess);
+        const auto writing = CComPtr<IProcess>::Query(target.Get(), IID_IProcess);
+        ASSERT_TRUE(reading->Start(nullptr) && writing->Start(nullptr));
+        Pass(*CComPtr<IAudioRawReader>::Query(source.Get(), IID_IAudioRawReader).Get(),
+             *CComPtr<IAudioRawWriter>::Query(target.Get(), IID_IAudioRawWriter).Get());
+        ASSERT_TRUE(reading->End(nullptr) && writing->End(nullptr));
+    }
+
+    // By the first encoder.
+    void OpenTarget(CComPtr<IAudioTarget>& target) {
+        for (int i = 0; i < m_manager->GetCount() && !target; ++i) {
+            CComPtr<IAudioComponent> component;
+            m_manager->GetComponent(i, component.Out());
+            const auto opener = CComPtr<IAudioTargetOpener>::Query(component.Get(), IID_IAudioTargetOpener);
+            if (opener) opener->OpenTarget((m_scratch / "out.wav").c_str(), "wav", target.Out(), nullptr);
+        }
+        ASSERT_TRUE(target);
+    }
+
+    static void Pass(IAudioRawReader& reader, IAudioRawWriter& writer) {
+        std::vector<unsigned char> buffer(30000);
+        EAudioRawState state = ARS_MORE;
+        for (int read = 0; read > 0 || state == ARS_MORE;) {
+            ASSERT_TRUE(reader.RawRead(buffer.data(), static_cast<int>(buffer.size()), &read, state, nullptr));
+            ASSERT_TRUE(read == 0 || writer.RawWrite(buffer.data(), read, state, nullptr));
+        }
+    }
+
+    CScratchDirectory m_scratch;
+    support::CManagerHold m_manager;
+    std::uintmax_t m_nOutputBytes = 0;
+};
+
+TEST_F(ConvertingSoak, LeavesNothingBehind) {
+    m_manager->LoadPlugins();
+    ASSERT_NO_FATAL_FAILURE(Convert());
+    ASSERT_TRUE(m_manager->UnloadPlugins());
+    m_nOutputBytes = std::filesystem::file_size(m_scratch / "out.wav");
+    ASSERT_GT(m_nOutputBytes, 4800U * 3);
+    // What the process and the codec libraries set up once is not what this test looks for.
+    ASSERT_NO_FATAL_FAILURE(RunRounds(100));
+    const support::SProcessUse before = support::MeasureUse();
+    const int rounds = Rounds();
+    ASSERT_NO_FATAL_FAILURE(RunRounds(rounds));
+    const support::SProcessUse after = support::MeasureUse();
+
+    RecordProperty("allocated", std::to_string(before.m_nAllocated) + " to " + std::to_string(after.m_nAllocated));
+    RecordProperty("mapped", std::to_string(before.m_nMapped) + " to " + std::to_string(after.m_nMapped));
+    EXPECT_EQ(after.m_nDescriptors, before.m_nDescriptors);
+    EXPECT_EQ(support::Mappings().find(KELO_SNDFILE_PLUGIN), std::string::npos);
+    EXPECT_EQ(support::Mappings().find(KELO_SOXR_PLUGIN), std::string::npos);
+    if (kSanitized) return;
+    // Less than the smallest block of malloc in every fourth round.
+    EXPECT_LT(after.m_nAllocated, before.m_nAllocated + static_cast<std::size_t>(rounds) * 6);
+    EXPECT_LE(after.m_nMappings, before.m_nMappings);
+    EXPECT_LE(after.m_nMapped, before.m_nMapped);
+}
+
+}  // namespace
