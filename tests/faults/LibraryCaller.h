@@ -1,0 +1,5 @@
+// Whether a call comes from the library under test.
+#pragma once
+
+// `address` lies behind the call, as __builtin_return_address(0) gives it. Allocates nothing. [any thread]
+bool IsInLibrary(const void* address);
