@@ -5,7 +5,6 @@
 
 #include <atomic>
 #include <chrono>
-#include <memory>
 #include <thread>
 #include <vector>
 
@@ -115,27 +114,6 @@ TEST(ReferenceCount, BalancedUseFromManyThreadsEndsWhereItBegan) {
     for (std::thread& thread : threads) thread.join();
     EXPECT_EQ(count.Value(), 1U);
     EXPECT_EQ(zeros, 0U);
-}
-
-TEST(ReferenceCount, OfTheThreadsThatGiveBackTheLastReferencesOneIsToldZero) {
-    constexpr unsigned int kThreads = 4;
-    constexpr int kRounds = 2000;
-    std::unique_ptr<CReferenceCount> count;
-    std::atomic<int> zeros{0};
-    pthread_barrier_t turn;
-    pthread_barrier_init(&turn, nullptr, kThreads);
-    const auto run = [&] {
-        for (int round = 0; round < kRounds; ++round) {
-            if (pthread_barrier_wait(&turn) != 0) count = std::make_unique<CReferenceCount>(kThreads);
-            pthread_barrier_wait(&turn);
-            if (count->Decrement() == 0 && ++zeros <= round + 1) count.reset();
-        }
-    };
-    std::vector<std::thread> threads;
-    for (unsigned int i = 0; i < kThreads; ++i) threads.emplace_back(run);
-    for (std::thread& thread : threads) thread.join();
-    pthread_barrier_destroy(&turn);
-    EXPECT_EQ(zeros, kRounds);
 }
 
 }  // namespace
