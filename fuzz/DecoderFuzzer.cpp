@@ -42,6 +42,7 @@ CAudioPluginMgr& Manager() {
         const auto* const loaded = new support::CManagerHold;
         (*loaded)->SetPluginDirectory(scratch.Path().c_str());
         fuzz::Require((*loaded)->LoadPlugins(), "the plug-ins are loaded");
+        fuzz::Require((*loaded)->GetCount() >= 2, "the plug-ins have a decoder and a convertor");
         return loaded;
     }();
     return *hold->Get();
