@@ -23,9 +23,9 @@ namespace {
 // The first byte of the file tells whether the end was reached; the report follows.
 constexpr off_t kReportBegin = 1;
 
-using CBytes = std::vector<std::uint8_t>;
+using CReportBytes = std::vector<std::uint8_t>;
 
-void WriteAt(int descriptor, const CBytes& bytes, off_t place) {
+void WriteAt(int descriptor, const CReportBytes& bytes, off_t place) {
     for (std::size_t done = 0; done < bytes.size();) {
         const ssize_t count =
             pwrite(descriptor, bytes.data() + done, bytes.size() - done, place + static_cast<off_t>(done));
@@ -34,8 +34,8 @@ void WriteAt(int descriptor, const CBytes& bytes, off_t place) {
     }
 }
 
-CBytes ReadFrom(int descriptor, off_t place) {
-    CBytes bytes;
+CReportBytes ReadFrom(int descriptor, off_t place) {
+    CReportBytes bytes;
     std::uint8_t block[65536];
     for (ssize_t count = 0; (count = pread(descriptor, block, sizeof(block), place)) > 0; place += count) {
         bytes.insert(bytes.end(), block, block + count);
