@@ -55,10 +55,9 @@ int NextSampleRate(EOutputCoding coding, int wanted) {
 }
 
 int CodingOf(int container, int bits) {
-    const bool unsigned8 = container == SF_FORMAT_WAV || container == SF_FORMAT_RF64 || container == SF_FORMAT_W64;
     switch (bits) {
         case 8:
-            return unsigned8 ? SF_FORMAT_PCM_U8 : SF_FORMAT_PCM_S8;
+            return HoldsPackedPcm(container) ? SF_FORMAT_PCM_U8 : SF_FORMAT_PCM_S8;
         case 16:
             return SF_FORMAT_PCM_16;
         case 24:
@@ -112,6 +111,10 @@ std::string ReasonAgainst(const SF_INFO& info) {
 }
 
 }  // namespace
+
+bool HoldsPackedPcm(int container) {
+    return container == SF_FORMAT_WAV || container == SF_FORMAT_RF64 || container == SF_FORMAT_W64;
+}
 
 std::vector<std::string> WritableExtensions() {
     std::vector<std::string> extensions;

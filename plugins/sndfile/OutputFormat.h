@@ -29,6 +29,9 @@ struct SOutputFormat {
     bool Has(ETag tag) const { return (m_nTags >> tag & 1) != 0; }
 };
 
+// Whether integers lie in such a file as a host has them: little-endian, 8 bits unsigned. `container` is libsndfile's.
+bool HoldsPackedPcm(int container);
+
 // Extensions without the dot of the formats that the installed libsndfile writes.
 std::vector<std::string> WritableExtensions();
 

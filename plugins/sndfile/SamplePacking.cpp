@@ -14,21 +14,59 @@ std::int16_t RoundedTo16(float sample) {
     return static_cast<std::int16_t>(std::isnan(scaled) ? 0 : -32768);
 }
 
-constexpr std::uint32_t SignFlip(int bytes) { return bytes == 1 ? 0x80000000u : 0u; }
+// Samples of a width that the compiler knows: it makes loops without branches of them.
+template <int kBytes>
+struct SWidth {
+    static constexpr int kLowestBit = 32 - 8 * kBytes;
+    static constexpr std::uint32_t kSignFlip = kBytes == 1 ? 0x80000000u : 0u;
 
-int Unpacked(const unsigned char* data, int bytes) {
-    std::uint32_t sample = 0;
-    for (int byte = 4 - bytes; byte < 4; ++byte) sample |= static_cast<std::uint32_t>(*data++) << (8 * byte);
-    return static_cast<int>(sample ^ SignFlip(bytes));
+    static void Pack(const int* samples, std::size_t count, unsigned char* out) {
+        for (std::size_t i = 0; i < count; ++i, out += kBytes) {
+            const std::uint32_t sample = static_cast<std::uint32_t>(samples[i]) ^ kSignFlip;
+            for (int byte = 0; byte < kBytes; ++byte) {
+                out[byte] = static_cast<unsigned char>(sample >> (kLowestBit + 8 * byte));
+            }
+        }
+    }
+
+    static int Unpacked(const unsigned char* data) {
+        std::uint32_t sample = 0;
+        for (int byte = 0; byte < kBytes; ++byte) {
+            sample |= static_cast<std::uint32_t>(data[byte]) << (kLowestBit + 8 * byte);
+        }
+        return static_cast<int>(sample ^ kSignFlip);
+    }
+
+    static void Unpack(const unsigned char* data, std::size_t count, int* samples) {
+        for (std::size_t i = 0; i < count; ++i, data += kBytes) samples[i] = Unpacked(data);
+    }
+
+    static void UnpackFloats(const unsigned char* data, std::size_t count, float* samples) {
+        for (std::size_t i = 0; i < count; ++i, data += kBytes) {
+            samples[i] = static_cast<float>(Unpacked(data)) / 2147483648.0f;
+        }
+    }
+};
+
+// Calls `use` with the width of `bytes` bytes.
+template <typename TUse>
+void WithWidth(int bytes, TUse use) {
+    switch (bytes) {
+        case 1:
+            return use(SWidth<1>());
+        case 2:
+            return use(SWidth<2>());
+        case 3:
+            return use(SWidth<3>());
+        default:
+            return use(SWidth<4>());
+    }
 }
 
 }  // namespace
 
 void PackIntegers(const int* samples, std::size_t count, int bytes, unsigned char* out) {
-    for (std::size_t i = 0; i < count; ++i) {
-        const std::uint32_t sample = static_cast<std::uint32_t>(samples[i]) ^ SignFlip(bytes);
-        for (int byte = 4 - bytes; byte < 4; ++byte) *out++ = static_cast<unsigned char>(sample >> (8 * byte));
-    }
+    WithWidth(bytes, [&](auto width) { width.Pack(samples, count, out); });
 }
 
 void PackRounded(const float* samples, std::size_t count, unsigned char* out) {
@@ -45,11 +83,9 @@ void PackFloats(const float* samples, std::size_t count, unsigned char* out) {
 }
 
 void UnpackIntegers(const unsigned char* data, std::size_t count, int bytes, int* samples) {
-    for (std::size_t i = 0; i < count; ++i, data += bytes) samples[i] = Unpacked(data, bytes);
+    WithWidth(bytes, [&](auto width) { width.Unpack(data, count, samples); });
 }
 
 void UnpackFloats(const unsigned char* data, std::size_t count, int bytes, float* samples) {
-    for (std::size_t i = 0; i < count; ++i, data += bytes) {
-        samples[i] = static_cast<float>(Unpacked(data, bytes)) / 2147483648.0f;
-    }
+    WithWidth(bytes, [&](auto width) { width.UnpackFloats(data, count, samples); });
 }

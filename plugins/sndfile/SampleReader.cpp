@@ -26,13 +26,14 @@ CSampleReader::CSampleReader(std::unique_ptr<CSoundFile> file, EAudioFeature lev
     : m_file(std::move(file)),
       m_source(SourceFormatOf(m_file->Info(), level)),
       m_order(m_file->ChannelOrder()),
+      m_bPacked(m_order.MovesNothing() && IsPackedPcm(m_file->Info())),
       m_nLength(KnownLength(m_file->Info())),
       m_nPieceFrames(std::max<sf_count_t>(1, kPieceSamples / m_source.m_format.nChannels)) {
     const auto samples = static_cast<std::size_t>(m_nPieceFrames * m_source.m_format.nChannels);
-    if (m_source.m_eRoad == SR_INTEGER) {
-        m_vIntegers.resize(samples);
-    } else {
+    if (m_source.m_eRoad != SR_INTEGER) {
         m_vFloats.resize(samples);
+    } else if (!m_bPacked) {
+        m_vIntegers.resize(samples);
     }
 }
 
@@ -85,7 +86,7 @@ void CSampleReader::NoteDamage(const char* reason) {
 
 // The codec writes its own samples straight into the caller's buffer where they lie right for it.
 bool CSampleReader::ReadsDirectly(const unsigned char* buffer) const {
-    if (!m_order.MovesNothing()) return false;
+    if (m_bPacked || !m_order.MovesNothing()) return m_bPacked;
     if (m_source.m_eRoad == SR_FLOAT) return IsAligned<float>(buffer);
     if (m_source.m_eRoad != SR_INTEGER) return false;
     if (m_source.m_format.nBitsPerSample == 16) return IsAligned<short>(buffer);
@@ -93,6 +94,10 @@ bool CSampleReader::ReadsDirectly(const unsigned char* buffer) const {
 }
 
 sf_count_t CSampleReader::ReadDirectly(unsigned char* buffer, sf_count_t frames) {
+    if (m_bPacked) {
+        const sf_count_t frameBytes = BlockSizeOf(m_source.m_format);
+        return sf_read_raw(m_file->Handle(), buffer, frames * frameBytes) / frameBytes;
+    }
     if (m_source.m_eRoad == SR_FLOAT) return sf_readf_float(m_file->Handle(), reinterpret_cast<float*>(buffer), frames);
     if (m_source.m_format.nBitsPerSample == 16) {
         return sf_readf_short(m_file->Handle(), reinterpret_cast<short*>(buffer), frames);

@@ -48,6 +48,7 @@ private:
     std::unique_ptr<CSoundFile> m_file;
     SSourceFormat m_source;
     CChannelOrder m_order;
+    bool m_bPacked;  // what the file holds is what the host reads
     sf_count_t m_nPosition = 0;
     sf_count_t m_nLength;  // 0 when unknown
     sf_count_t m_nPieceFrames;

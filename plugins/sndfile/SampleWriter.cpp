@@ -57,12 +57,13 @@ CSampleWriter::CSampleWriter(const SOutputFormat& output, const STargetRequest& 
     : m_output(output),
       m_format(accepted),
       m_bFloat(TakesFloats(output, request)),
+      m_bPacked(!m_bFloat && HoldsPackedPcm(output.m_nFormat)),
       m_order(OrderOf(output.m_eCoding, accepted.nChannels)),
       m_nPieceFrames(std::max<sf_count_t>(1, kPieceSamples / accepted.nChannels)) {
     const auto samples = static_cast<std::size_t>(m_nPieceFrames * accepted.nChannels);
     if (m_bFloat) {
         m_vFloats.resize(samples);
-    } else {
+    } else if (!m_bPacked) {
         m_vIntegers.resize(samples);
     }
     try {
@@ -100,13 +101,17 @@ void CSampleWriter::RequireRoom(std::int64_t frames) const {
 }
 
 bool CSampleWriter::WritesDirectly(const unsigned char* data) const {
-    if (m_bFloat) return false;
+    if (m_bFloat || m_bPacked) return m_bPacked;
     if (m_format.nBitsPerSample == 16) return IsAligned<short>(data);
     return m_format.nBitsPerSample == 32 && IsAligned<int>(data);
 }
 
 sf_count_t CSampleWriter::WriteDirectly(const unsigned char* data, sf_count_t frames) {
     SNDFILE* const file = m_file->Handle();
+    if (m_bPacked) {
+        const sf_count_t frameBytes = BlockSizeOf(m_format);
+        return sf_write_raw(file, data, frames * frameBytes) / frameBytes;
+    }
     return m_format.nBitsPerSample == 16 ? sf_writef_short(file, reinterpret_cast<const short*>(data), frames)
                                          : sf_writef_int(file, reinterpret_cast<const int*>(data), frames);
 }

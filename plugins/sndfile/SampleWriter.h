@@ -30,7 +30,8 @@ private:
 
     const SOutputFormat& m_output;
     SWavFormat m_format;
-    bool m_bFloat;  // what the codec is given
+    bool m_bFloat;   // what the codec is given
+    bool m_bPacked;  // what the file holds is what the host writes
     CChannelOrder m_order;
     sf_count_t m_nPieceFrames;
     std::vector<int> m_vIntegers;  // one piece

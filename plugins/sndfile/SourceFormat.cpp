@@ -106,6 +106,22 @@ SSourceFormat SourceFormatOf(const SF_INFO& info, EAudioFeature level) {
     return {{info.samplerate, 16, info.channels}, SR_FLOAT_TO_16};
 }
 
+bool IsPackedPcm(const SF_INFO& info) {
+    const int container = info.format & SF_FORMAT_TYPEMASK;
+    const bool known = container == SF_FORMAT_WAV || container == SF_FORMAT_WAVEX || container == SF_FORMAT_RF64 ||
+                       container == SF_FORMAT_W64;
+    if (!known || (info.format & SF_FORMAT_ENDMASK) != SF_ENDIAN_FILE) return false;
+    switch (info.format & SF_FORMAT_SUBMASK) {
+        case SF_FORMAT_PCM_U8:
+        case SF_FORMAT_PCM_16:
+        case SF_FORMAT_PCM_24:
+        case SF_FORMAT_PCM_32:
+            return true;
+        default:
+            return false;
+    }
+}
+
 std::vector<std::string> ReadableExtensions() {
     const std::vector<int> containers = KnownFormats(SFC_GET_FORMAT_MAJOR_COUNT, SFC_GET_FORMAT_MAJOR);
     const std::vector<int> codings = KnownFormats(SFC_GET_FORMAT_SUBTYPE_COUNT, SFC_GET_FORMAT_SUBTYPE);

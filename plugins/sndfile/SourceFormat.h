@@ -24,5 +24,8 @@ struct SSourceFormat {
 // Float samples, and those of Vorbis, Opus and MPEG audio, stay float at AF_ADVANCED_FORMATS alone.
 SSourceFormat SourceFormatOf(const SF_INFO& info, EAudioFeature level);
 
+// Whether the samples lie in the file as a host takes them: integers, little-endian, 8 bits unsigned.
+bool IsPackedPcm(const SF_INFO& info);
+
 // Extensions without the dot of the formats that the installed libsndfile knows.
 std::vector<std::string> ReadableExtensions();
