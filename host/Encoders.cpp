@@ -11,19 +11,15 @@
 #include "host/Failure.h"
 #include "host/FailureText.h"
 
-namespace {
-
-bool Contains(const std::vector<std::string>& extensions, const std::string& wanted) {
-    return std::any_of(extensions.begin(), extensions.end(), [&wanted](const std::string& extension) {
-        return strcasecmp(extension.c_str(), wanted.c_str()) == 0;
-    });
-}
-
-}  // namespace
-
 std::string ExtensionOf(const std::string& path) {
     const std::string extension = std::filesystem::path(path).extension().string();
     return extension.empty() ? extension : extension.substr(1);
+}
+
+bool HasExtension(const std::vector<std::string>& listed, const std::string& extension) {
+    return std::any_of(listed.begin(), listed.end(), [&extension](const std::string& name) {
+        return strcasecmp(name.c_str(), extension.c_str()) == 0;
+    });
 }
 
 CComPtr<IAudioTargetOpener> FindEncoder(const CPluginSession& session, const std::string& output,
@@ -34,7 +30,7 @@ CComPtr<IAudioTargetOpener> FindEncoder(const CPluginSession& session, const std
         auto opener = CComPtr<IAudioTargetOpener>::Query(component.Get(), IID_IAudioTargetOpener);
         if (!opener) continue;
         const std::vector<std::string> extensions = ExtensionsOf(*component);
-        if (Contains(extensions, wanted)) return opener;
+        if (HasExtension(extensions, wanted)) return opener;
         known.insert(known.end(), extensions.begin(), extensions.end());
     }
     const std::string reason =

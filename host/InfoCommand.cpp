@@ -1,10 +1,7 @@
 // keloaudio info.
 #include "host/InfoCommand.h"
 
-#include <strings.h>
-
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -17,6 +14,7 @@
 #include "host/FormatText.h"
 #include "host/Json.h"
 #include "host/PluginCall.h"
+#include "host/Printable.h"
 #include "host/SourceStream.h"
 #include "host/StopSignal.h"
 
@@ -39,18 +37,12 @@ struct SSourceReport {
     std::vector<std::uint64_t> m_vIndexPoints;
 };
 
-bool Lists(IAudioComponent& decoder, const std::string& extension) {
-    const std::vector<std::string> extensions = ExtensionsOf(decoder);
-    return std::any_of(extensions.begin(), extensions.end(),
-                       [&](const std::string& listed) { return strcasecmp(listed.c_str(), extension.c_str()) == 0; });
-}
-
 // The decoder of the plug-in that lists the extension, else the plug-in's first.
 std::string DecoderName(const CPluginSession& session, const std::string& pluginFile, const std::string& extension) {
     std::string first;
     for (const CComPtr<IAudioComponent>& component : session.GetComponents()) {
         if (component->GetType() != ACT_DECODER || PlaceOf(session, *component).m_strFile != pluginFile) continue;
-        if (Lists(*component, extension)) return NameOf(*component);
+        if (HasExtension(ExtensionsOf(*component), extension)) return NameOf(*component);
         if (first.empty()) first = NameOf(*component);
     }
     return first;
@@ -71,7 +63,7 @@ SSourceReport Examine(const CPluginSession& session, const CSourceName& name) {
 }
 
 void PrintField(const std::string& label, const std::string& text) {
-    if (!text.empty()) std::puts(("    " + label + std::string(10 - label.size(), ' ') + text).c_str());
+    if (!text.empty()) std::puts(("    " + label + std::string(10 - label.size(), ' ') + Printable(text)).c_str());
 }
 
 std::string IndexText(const SSourceReport& report) {
@@ -83,7 +75,7 @@ std::string IndexText(const SSourceReport& report) {
 }
 
 void Print(const SSourceReport& report) {
-    std::puts(report.m_strInput.c_str());
+    std::puts(Printable(report.m_strInput).c_str());
     PrintField("format", FormatText(report.m_realFormat));
     PrintField("length", report.m_nFrames == 0 ? "unknown" : LengthText(report.m_nFrames, report.m_format.nSampleRate));
     for (std::size_t i = 0; i < kTagNames.size(); ++i) PrintField(kTagNames[i], report.m_tags[i]);

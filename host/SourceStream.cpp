@@ -15,6 +15,7 @@
 #include "host/FailureText.h"
 #include "host/FormatText.h"
 #include "host/PluginCall.h"
+#include "host/RescaledFrames.h"
 #include "stream/SrcConvAggregator.h"
 
 namespace {
@@ -113,6 +114,7 @@ void CSourceStream::ReadFormats() {
         if (!IsPossible(format)) Fail("its decoder tells an impossible format: " + FormatText(format));
     }
     m_wanted = m_realFormat.m_format;
+    m_nLengthRate = m_wanted.nSampleRate;
 }
 
 void CSourceStream::Fail(const std::string& reason) const {
@@ -120,7 +122,11 @@ void CSourceStream::Fail(const std::string& reason) const {
 }
 
 std::uint64_t CSourceStream::GetAnnouncedFrames() const {
-    return Ask([this] { return m_pBlockInfo->GetDataLength(); });
+    return Ask([this] {
+        const std::uint64_t length = m_pBlockInfo->GetDataLength();
+        const std::int32_t rate = m_realFormat.m_format.nSampleRate;
+        return m_nLengthRate == rate ? length : RescaledFrames(length, m_nLengthRate, rate);
+    });
 }
 
 std::vector<std::uint64_t> CSourceStream::GetIndexPoints() const {
@@ -164,6 +170,8 @@ void CSourceStream::Deliver(const SWavFormat& wanted) {
             // The first decoder cannot be wrapped; another one may.
             m_pStream = Open(&wanted);
             m_pBlockInfo = CComPtr<IAudioRawBlockInfo>::Query(m_pStream.Get(), IID_IAudioRawBlockInfo);
+            // The aggregator's, which counts what it delivers.
+            m_nLengthRate = wanted.nSampleRate;
         }
         m_pReader = CComPtr<IAudioRawReader>::Query(m_pStream.Get(), IID_IAudioRawReader);
         m_process = CRunningProcess(CComPtr<IProcess>::Query(m_pStream.Get(), IID_IProcess));

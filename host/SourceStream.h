@@ -80,6 +80,9 @@ private:
     CComPtr<IAudioRawBlockInfo> m_pBlockInfo;
     CComPtr<ISeekable> m_pSeekable;
 
+    // Sample frames per second of the lengths that m_pBlockInfo tells.
+    std::int32_t m_nLengthRate = 0;
+
     SHeldWavFormat m_realFormat{};
     SWavFormat m_plainFormat{};
     SWavFormat m_wanted{};

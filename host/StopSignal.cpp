@@ -5,6 +5,8 @@
 
 #include <atomic>
 
+#include "host/Failure.h"
+
 namespace {
 
 constexpr int kStopSignals[] = {SIGINT, SIGTERM, SIGHUP};
@@ -40,3 +42,7 @@ void UnwatchStopSignals() {
 }
 
 int GetStopSignal() { return g_nStopSignal; }
+
+void RequireNoStopSignal(const std::string& subject) {
+    if (GetStopSignal() != 0) throw CFailure(subject, "interrupted, nothing is written");
+}

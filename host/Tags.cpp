@@ -2,9 +2,7 @@
 #include "host/Tags.h"
 
 #include "com/ComPtr.h"
-#include "host/Failure.h"
 #include "host/FailureText.h"
-#include "host/PluginSession.h"
 
 CTagTexts ReadTags(IInfoReader& source) {
     const auto text = [](const char* tag) { return std::string(tag != nullptr ? tag : ""); };
@@ -17,21 +15,15 @@ CTagTexts ReadTags(IInfoReader& source) {
     return tags;
 }
 
-void WriteTags(const CTagTexts& tags, ITargetTags& target, const std::string& output) {
+std::string WriteTags(const CTagTexts& tags, ITargetTags& target, const std::string& path) {
+    std::string refused;
     for (std::size_t i = 0; i < tags.size(); ++i) {
         const auto tag = static_cast<ETag>(i);
         if (tags[i].empty() || !target.HasTag(tag)) continue;
         CComPtr<IStatus> status;
         if (target.SetTag(tag, tags[i].c_str(), status.Out())) continue;
-        throw CFailure(output, std::string("its encoder does not take the ") + kTagNames[i] + ": " +
-                                   StatusText(status.Get(), "it tells no reason", output));
+        refused += (refused.empty() ? "the " : ", the ") + std::string(kTagNames[i]) +
+                   " is left out: " + StatusText(status.Get(), "its encoder tells no reason", path);
     }
-}
-
-std::string TagNamesOf(ITargetTags& target) {
-    std::vector<std::string> names;
-    for (std::size_t i = 0; i < kTagNames.size(); ++i) {
-        if (target.HasTag(static_cast<ETag>(i))) names.emplace_back(kTagNames[i]);
-    }
-    return JoinNames(names);
+    return refused;
 }

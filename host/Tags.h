@@ -18,9 +18,6 @@ constexpr std::array<const char*, kTagCount> kTagNames = {"title", "artist", "al
 // What the source itself tells. [stream-thread]
 CTagTexts ReadTags(IInfoReader& source);
 
-// Hands over the tags that the target has a place for; throws CFailure about `output` for one that it refuses all the
-// same. [stream-thread]
-void WriteTags(const CTagTexts& tags, ITargetTags& target, const std::string& output);
-
-// The names of the tags that the target has a place for, separated by ", ".
-std::string TagNamesOf(ITargetTags& target);
+// Hands over the tags that the target has a place for and returns what it says about those that it refuses all the
+// same, in one line, empty for none. `path` is the file of the target. [stream-thread]
+std::string WriteTags(const CTagTexts& tags, ITargetTags& target, const std::string& path);

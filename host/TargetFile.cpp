@@ -1,12 +1,11 @@
 // The output file: written under a temporary name, shown under its own name only when it is complete.
 #include "host/TargetFile.h"
 
-#include <stdlib.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <filesystem>
 #include <utility>
 
@@ -15,10 +14,7 @@
 
 namespace {
 
-constexpr const char* kSuffix = ".part";
-
-// Leaves room in NAME_MAX for the rest of the temporary name.
-constexpr std::size_t kLongestKeptName = 200;
+namespace fs = std::filesystem;
 
 // The kernel's limit, path_resolution(7).
 constexpr int kMaxLinks = 40;
@@ -51,26 +47,26 @@ mode_t RequireReplaceable(const std::string& given, const std::string& output, c
     return existing.st_mode & kModeBits;
 }
 
-std::string MakeTemporary(const std::string& given, const std::filesystem::path& output) {
-    const std::string name = output.filename().string().substr(0, kLongestKeptName);
-    std::string path = (output.parent_path() / ("." + name + ".kelo-XXXXXX")).string() + kSuffix;
-    const int file = mkstemps(path.data(), static_cast<int>(std::char_traits<char>::length(kSuffix)));
-    if (file < 0) {
-        const int error = errno;
-        throw CFailure(given,
-                       "no file can be made in " + output.parent_path().string() + ": " + SystemErrorText(error));
-    }
+// False, with errno.
+bool SyncToDisk(const std::string& path) {
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0) return false;
+    const bool synced = fsync(file) == 0;
+    const int error = errno;
     close(file);
-    return path;
+    errno = error;
+    return synced;
 }
+
+fs::path ParentOf(const std::string& path) { return fs::path(path).parent_path(); }
 
 }  // namespace
 
 std::string FileAtTheEndOfLinks(const std::string& given) {
-    std::filesystem::path path = std::filesystem::absolute(given);
+    fs::path path = fs::absolute(given);
     for (int i = 0; i <= kMaxLinks; ++i) {
         std::error_code error;
-        const std::filesystem::path target = std::filesystem::read_symlink(path, error);
+        const fs::path target = fs::read_symlink(path, error);
         if (error) return path.string();
         path = path.parent_path() / target;
     }
@@ -81,15 +77,17 @@ CTargetFile::CTargetFile(std::string output, const char* source)
     : m_strGiven(std::move(output)),
       m_strOutput(FileAtTheEndOfLinks(m_strGiven)),
       m_nMode(RequireReplaceable(m_strGiven, m_strOutput, source)),
-      m_strTemporary(MakeTemporary(m_strGiven, m_strOutput)) {}
+      m_temporary(m_strGiven, ParentOf(m_strOutput), fs::path(m_strOutput).filename().string()) {}
 
-CTargetFile::~CTargetFile() {
-    if (!m_strTemporary.empty()) unlink(m_strTemporary.c_str());
+void CTargetFile::Sync() {
+    if (!SyncToDisk(m_temporary.GetPath())) throw CFailure(m_strGiven, SystemErrorText(errno));
+    m_bSynced = true;
 }
 
 void CTargetFile::Commit() {
-    if (chmod(m_strTemporary.c_str(), m_nMode) != 0 || std::rename(m_strTemporary.c_str(), m_strOutput.c_str()) != 0) {
+    if (chmod(m_temporary.GetPath().c_str(), m_nMode) != 0 || !m_temporary.MoveTo(m_strOutput)) {
         throw CFailure(m_strGiven, SystemErrorText(errno));
     }
-    m_strTemporary.clear();
+    // The name itself may get lost without harm: the file is made again.
+    if (m_bSynced) SyncToDisk(ParentOf(m_strOutput).string());
 }

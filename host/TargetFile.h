@@ -5,6 +5,8 @@
 
 #include <string>
 
+#include "host/TemporaryFile.h"
+
 // The absolute path of what an output means that may be a symbolic link: a link stays a link, and what it points to is
 // replaced, or made when it is missing. Throws CFailure for a circle of links.
 std::string FileAtTheEndOfLinks(const std::string& given);
@@ -17,13 +19,11 @@ public:
     // its end is meant, which need not exist.
     CTargetFile(std::string output, const char* source);
 
-    // Removes the temporary unless Commit succeeded.
-    ~CTargetFile();
+    // Gone with this object unless Commit succeeded.
+    const std::string& GetTemporaryPath() const { return m_temporary.GetPath(); }
 
-    CTargetFile(const CTargetFile&) = delete;
-    CTargetFile& operator=(const CTargetFile&) = delete;
-
-    const std::string& GetTemporaryPath() const { return m_strTemporary; }
+    // Brings what was written to the disk, so that a power loss after Commit cannot leave less than all of it.
+    void Sync();
 
     // Gives the file the mode of the output that it replaces, or of a newly made one, and puts it in the output's
     // place.
@@ -33,5 +33,6 @@ private:
     std::string m_strGiven;
     std::string m_strOutput;
     mode_t m_nMode;
-    std::string m_strTemporary;
+    CTemporaryFile m_temporary;
+    bool m_bSynced = false;
 };

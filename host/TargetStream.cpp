@@ -84,10 +84,10 @@ CTargetStream::CTargetStream(const CPluginSession& session, STargetRequest reque
       m_pWriter(CComPtr<IAudioRawWriter>::Query(m_pStream.Get(), IID_IAudioRawWriter)),
       m_process(CComPtr<IProcess>::Query(m_pStream.Get(), IID_IProcess)) {}
 
-CComPtr<IAudioTarget> CTargetStream::Open() const {
+CComPtr<IAudioTarget> CTargetStream::Open() {
     CComPtr<IAudioTarget> target = OpenTarget(m_request);
     const auto tags = CComPtr<ITargetTags>::Query(target.Get(), IID_ITargetTags);
-    if (tags) WriteTags(m_request.m_tags, *tags, m_request.m_strOutput);
+    if (tags) m_strWarning = WriteTags(m_request.m_tags, *tags, m_request.m_strPath);
     return target;
 }
 

@@ -40,6 +40,9 @@ public:
     // The format of the samples in the file.
     const SWavFormat& GetFileFormat() const { return m_fileFormat; }
 
+    // What is lost besides the samples; empty for nothing.
+    const std::string& GetWarning() const { return m_strWarning; }
+
     void Start();
 
     // `data` holds whole sample frames.
@@ -48,13 +51,14 @@ public:
     void End();
 
 private:
-    CComPtr<IAudioTarget> Open() const;
+    CComPtr<IAudioTarget> Open();
     CComPtr<IUnknown> CreateStream();
 
     const CPluginSession& m_session;
     STargetRequest m_request;
     SWavFormat m_format;
     SWavFormat m_fileFormat{};
+    std::string m_strWarning;
     // Lives longer than the encoder that its factory makes.
     CComPtr<IAudioTarget> m_pTarget;
     CComPtr<IUnknown> m_pStream;

@@ -1,7 +1,9 @@
 // keloaudio: the command-line host of the plug-in manager.
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <exception>
 #include <new>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -24,11 +26,28 @@ constexpr const SCommand* kCommands[] = {
 // The shell's number for a program that a signal ended.
 constexpr int kExitSignalBase = 128;
 
+using CCommands = std::vector<std::pair<const CLI::App*, std::function<int()>>>;
+
 // The first line alone; the rest repeats where help is.
-int ReportWrongUsage(const std::string& text) {
-    const std::string reason = text.substr(0, text.find('\n')) + " (see keloaudio --help)";
+int ReportWrongUsage(const std::string& text, const CCommands& commands) {
+    std::string program = "keloaudio";
+    for (const auto& [defined, run] : commands) {
+        if (defined->parsed()) program += " " + defined->get_name();
+    }
+    const std::string reason = text.substr(0, text.find('\n')) + " (see " + program + " --help)";
     ReportFailure(nullptr, reason.c_str());
     return kExitWrongUsage;
+}
+
+// In CLI11's order, the last one first. CLI11 takes a name in square brackets for a list, which "./" before it
+// prevents.
+std::vector<std::string> ArgumentsOf(int argc, char** argv) {
+    std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+    for (std::string& argument : arguments) {
+        if (!argument.empty() && argument.front() == '[' && argument.back() == ']') argument.insert(0, "./");
+    }
+    std::reverse(arguments.begin(), arguments.end());
+    return arguments;
 }
 
 // The exit status.
@@ -37,20 +56,28 @@ int RunCommandLine(int argc, char** argv) {
                  "keloaudio");
     app.set_version_flag("--version", "keloaudio " KELO_VERSION);
     app.require_subcommand(1);
-    std::vector<std::pair<const CLI::App*, std::function<int()>>> commands;
+    app.footer(
+        "Examples:\n"
+        "  keloaudio convert in.oga out.flac --rate 48000\n"
+        "  keloaudio convert --help");
+    CCommands commands;
     for (const SCommand* const command : kCommands) {
         CLI::App* const defined = app.add_subcommand(command->m_szName, command->m_szDescription);
         defined->footer(command->m_szExamples);
         commands.emplace_back(defined, command->m_pDefine(*defined));
     }
     try {
-        app.parse(argc, argv);
+        app.parse(ArgumentsOf(argc, argv));
     } catch (const CLI::ParseError& error) {
-        return error.get_exit_code() == 0 ? app.exit(error) : ReportWrongUsage(error.what());
+        return error.get_exit_code() == 0 ? app.exit(error) : ReportWrongUsage(error.what(), commands);
     }
     int exitStatus = 0;
-    for (const auto& [defined, run] : commands) {
-        if (defined->parsed()) exitStatus = run();
+    try {
+        for (const auto& [defined, run] : commands) {
+            if (defined->parsed()) exitStatus = run();
+        }
+    } catch (const CWrongUsage& failure) {
+        return ReportWrongUsage(failure.what(), commands);
     }
     if (exitStatus == 0) FlushStandardOutput();
     return GetStopSignal() != 0 ? kExitSignalBase + GetStopSignal() : exitStatus;
@@ -60,8 +87,6 @@ int RunCommandLine(int argc, char** argv) {
 int RunReported(int argc, char** argv) noexcept {
     try {
         return RunCommandLine(argc, argv);
-    } catch (const CWrongUsage& failure) {
-        return ReportWrongUsage(failure.what());
     } catch (const CFailure& failure) {
         ReportFailure(nullptr, failure.what());
     } catch (const std::bad_alloc&) {

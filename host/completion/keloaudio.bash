@@ -37,6 +37,7 @@ _keloaudio() {
   fi
   case $previous in
     --plugins | --images | --out-dir)
+      compopt -o filenames 2>/dev/null
       mapfile -t COMPREPLY < <(compgen -d -- "$current")
       return
       ;;
@@ -48,8 +49,9 @@ _keloaudio() {
   elif [[ $current == -* ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$(_keloaudio_options "$command")" -- "$current")
   elif [[ $command != list && $command != settings ]]; then
+    compopt -o filenames 2>/dev/null
     mapfile -t COMPREPLY < <(compgen -f -- "$current")
   fi
 }
 
-complete -o filenames -F _keloaudio keloaudio
+complete -F _keloaudio keloaudio

@@ -16,15 +16,20 @@ std::string Counted(int count, const char* one, const char* many) {
 
 std::string IfAny(int count, const std::string& text) { return count == 0 ? "" : ", " + text; }
 
+std::vector<SConversionResult> ExpectedResults(const SConvertOptions& options, const SConversionPlan& plan) {
+    std::vector<SConversionResult> results;
+    for (const SPlannedFile& file : plan.m_vFiles) results.push_back(ExpectedResult(options, file));
+    return results;
+}
+
 }  // namespace
 
 CBatch::CBatch(const CPluginSession& session, const SConvertOptions& options, const SConversionPlan& plan)
     : m_session(session),
       m_options(options),
       m_plan(plan),
-      m_console(!options.m_bQuiet && !options.m_bJson, WorkloadOf(plan.m_vFiles)) {
-    for (const SPlannedFile& file : plan.m_vFiles) m_vResults.push_back(ExpectedResult(options, file));
-}
+      m_vResults(ExpectedResults(options, plan)),
+      m_console(!options.m_bQuiet && !options.m_bJson, WorkloadOf(plan.m_vFiles, m_vResults)) {}
 
 int CBatch::Run() {
     const auto isOver = [this] { return m_bOutputLost.load(); };
@@ -39,8 +44,9 @@ int CBatch::Run() {
 
 void CBatch::RunOne(std::size_t n) {
     SConversionResult& result = m_vResults[n];
+    const bool planned = result.m_eOutcome == EOutcome::Planned;
     try {
-        if (!m_options.m_bDryRun) {
+        if (planned && !m_options.m_bDryRun) {
             result = ConvertFile({m_session, m_options, m_console}, m_plan.m_vFiles[n], [](const auto&) {});
         }
         Report(result);
@@ -49,7 +55,7 @@ void CBatch::RunOne(std::size_t n) {
         m_strOutputFailure = failure.GetReason();
         m_bOutputLost = true;
     }
-    m_console.CountFile();
+    if (planned) m_console.CountFile();
 }
 
 void CBatch::Report(const SConversionResult& result) {
@@ -72,9 +78,8 @@ void CBatch::ReportUnread() {
     for (const CFailure& failure : m_plan.m_vFailures) {
         m_console.ReportFailure(failure.what());
         SConversionResult result;
-        result.m_eOutcome = EOutcome::Failed;
-        result.m_strFailure = failure.what();
-        result.m_strReason = failure.GetReason();
+        result.m_strInput = failure.GetSubject();
+        SetFailure(result, failure);
         m_vResults.push_back(std::move(result));
     }
 }
@@ -83,9 +88,12 @@ void CBatch::Summarise() {
     if (m_options.m_bJson) PrintJson(SummaryJson());
     const int converted = CountOf(m_vResults, EOutcome::Converted);
     const std::string ofAll = " of " + Counted(static_cast<int>(m_vResults.size()), "file", "files");
-    if (GetStopSignal() != 0) throw CFailure("interrupted", std::to_string(converted) + ofAll + " converted");
-    PrintSummary();
     const int failed = CountOf(m_vResults, EOutcome::Failed);
+    if (GetStopSignal() != 0) {
+        throw CFailure("interrupted", std::to_string(converted) + ofAll + " converted" +
+                                          IfAny(failed, std::to_string(failed) + " failed"));
+    }
+    PrintSummary();
     if (failed == 0) return;
     m_console.ReportFailure(std::to_string(failed) + ofAll + " failed: " + ReasonsText(m_vResults));
 }

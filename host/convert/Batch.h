@@ -28,8 +28,8 @@ private:
     const CPluginSession& m_session;
     const SConvertOptions& m_options;
     const SConversionPlan& m_plan;
-    CConsole m_console;
     std::vector<SConversionResult> m_vResults;  // in the plan's order, then the directories that cannot be read
+    CConsole m_console;
     std::atomic<bool> m_bOutputLost{false};
     std::string m_strOutputFailure;
     std::mutex m_failureMutex;

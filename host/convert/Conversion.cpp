@@ -46,17 +46,19 @@ CConversion::CConversion(const CPluginSession& session, const SConvertOptions& o
     m_report.m_source = {m_source->GetRealFormat(), m_source->GetAnnouncedFrames()};
 }
 
-SConversionReport CConversion::Run(const std::string& path, const CProgressListener& listener) {
+SConversionReport CConversion::Run(const std::string& output, const CProgressListener& listener) {
     const CConvertorRecord record;
+    const std::string path = m_source->GetLocalPath();
     SWavFormat format = AimedFormat(m_options.m_format, m_report.m_source.m_format,
-                                    ExtensionOf(m_source->GetLocalPath()), m_strExtension);
-    auto target = MakeTarget(path, format);
+                                    ExtensionOf(path.empty() ? m_name.GetURL() : path), m_strExtension);
+    auto target = MakeTarget(output, format);
     // The source converts: a target's convertor cannot be emptied at the end.
     if (!IsSame(target->GetFileFormat(), format)) {
         RequireAccepted(format, target->GetFileFormat());
         format = target->GetFileFormat();
-        target = MakeTarget(path, format);
+        target = MakeTarget(output, format);
     }
+    Warn(target->GetWarning());
     m_source->Deliver(format);
     Transfer(*target, format, listener);
     m_report.m_nClippedSamples = record.GetClippedSamples();
@@ -80,10 +82,6 @@ void CConversion::RequireAccepted(const SWavFormat& aimed, const SWavFormat& acc
                    "no " + FormatText(aimed) + " in this file format (it takes " + FormatText(accepted) + ")");
 }
 
-void CConversion::CheckStop() const {
-    if (GetStopSignal() != 0) throw CFailure(m_strOutput, "interrupted, nothing is written");
-}
-
 // Moves every block and returns the number of sample frames.
 std::uint64_t CConversion::Pump(CExcerpt& excerpt, CTargetStream& target, const SWavFormat& format,
                                 const CProgressListener& listener) const {
@@ -92,7 +90,7 @@ std::uint64_t CConversion::Pump(CExcerpt& excerpt, CTargetStream& target, const 
     const double announced = static_cast<double>(excerpt.GetAnnouncedFrames()) / sourceRate;
     std::uint64_t frames = 0;
     for (;;) {
-        CheckStop();
+        RequireNoStopSignal(m_strOutput);
         const int read = excerpt.Read(block.data(), static_cast<int>(block.size()));
         if (read == 0) return frames;
         target.Write(block.data(), read);
@@ -109,12 +107,17 @@ void CConversion::Transfer(CTargetStream& target, const SWavFormat& format, cons
     const std::uint64_t frames = Pump(excerpt, target, format, listener);
     target.End();
     m_source->End();
-    CheckStop();
+    RequireNoStopSignal(m_strOutput);
     m_report.m_source.m_nFrames = excerpt.GetAnnouncedFrames();
     m_report.m_target = {{target.GetFileFormat(), kIntegerSamples}, frames};
     NoteShortfall();
     // The announced length is rounded or unknown for some sources; without resampling the count is exact.
     if (format.nSampleRate == m_report.m_source.m_format.m_format.nSampleRate) m_report.m_source.m_nFrames = frames;
+}
+
+void CConversion::Warn(const std::string& warning) {
+    if (warning.empty()) return;
+    m_report.m_strWarning += (m_report.m_strWarning.empty() ? "" : "; ") + warning;
 }
 
 // Some formats only estimate their length, so a shortfall is worth a word but is no failure.
@@ -124,6 +127,6 @@ void CConversion::NoteShortfall() {
     const double delivered =
         static_cast<double>(m_report.m_target.m_nFrames) * rate / m_report.m_target.m_format.m_format.nSampleRate;
     if ((static_cast<double>(source.m_nFrames) - delivered) * kShortfallPerSecond < rate) return;
-    m_report.m_strWarning = "ended early: " + std::to_string(source.m_nFrames) + " frames announced, about " +
-                            std::to_string(static_cast<std::uint64_t>(delivered)) + " delivered";
+    Warn("ended early: " + std::to_string(source.m_nFrames) + " frames announced, about " +
+         std::to_string(static_cast<std::uint64_t>(delivered)) + " delivered");
 }

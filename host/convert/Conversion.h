@@ -21,7 +21,7 @@ struct SConversionReport {
     SStreamReport m_source;
     SStreamReport m_target;
     std::uint64_t m_nClippedSamples = 0;
-    std::string m_strWarning;  // about the source; empty for none
+    std::string m_strWarning;  // about the source or the tags; empty for none
 };
 
 // Hears how far a conversion is: the part of the whole, 0 while that is unknown, and the seconds of sound written.
@@ -35,8 +35,8 @@ public:
     CConversion(const CPluginSession& session, const SConvertOptions& options, const CSourceName& name,
                 std::string output, std::string extension);
 
-    // Writes the file at `path`. Once.
-    SConversionReport Run(const std::string& path, const CProgressListener& listener);
+    // Writes the file `output`. Once.
+    SConversionReport Run(const std::string& output, const CProgressListener& listener);
 
 private:
     std::unique_ptr<CTargetStream> MakeTarget(const std::string& path, const SWavFormat& format) const;
@@ -45,7 +45,7 @@ private:
                        const CProgressListener& listener) const;
     void Transfer(CTargetStream& target, const SWavFormat& format, const CProgressListener& listener);
     void NoteShortfall();
-    void CheckStop() const;
+    void Warn(const std::string& warning);
 
     const CPluginSession& m_session;
     const SConvertOptions& m_options;

@@ -73,36 +73,70 @@ bool Identify(const std::string& path, CFileIdentity& identity) {
     return true;
 }
 
-void RefuseClashes(const std::vector<SPlannedFile>& files) {
-    std::set<CFileIdentity> inputs;
+// Files by what they are, whatever names and links lead to them.
+class CFileSet {
+public:
+    void Add(const CSourceName& name) {
+        CFileIdentity identity;
+        if (!name.IsRemote() && Identify(name.GetURL(), identity)) m_files.insert(identity);
+    }
+
+    bool Has(const std::string& path) const {
+        CFileIdentity identity;
+        return Identify(path, identity) && m_files.count(identity) != 0;
+    }
+
+private:
+    std::set<CFileIdentity> m_files;
+};
+
+// `already` is left out of `files`.
+void RefuseClashes(const std::vector<SPlannedFile>& files, const CFileSet& already, bool skipExisting) {
+    CFileSet inputs;
     COutputNames outputs;
-    CFileIdentity identity;
     for (const SPlannedFile& file : files) {
-        if (!file.m_name.IsRemote() && Identify(file.m_name.GetURL(), identity)) inputs.insert(identity);
+        inputs.Add(file.m_name);
         outputs.Add(file.m_strOutput, file.m_name.GetGiven());
     }
     for (const SPlannedFile& file : files) {
-        if (!Identify(file.m_strOutput, identity) || inputs.count(identity) == 0) continue;
-        throw CFailure(file.m_strOutput, "the output of " + file.m_name.GetGiven() + " is one of the inputs",
-                       " (nothing is converted; --out-dir DIR writes elsewhere)");
+        const std::string output = "the output of " + file.m_name.GetGiven() + " ";
+        if (inputs.Has(file.m_strOutput)) {
+            throw CFailure(file.m_strOutput, output + "is one of the inputs",
+                           " (nothing is converted; --out-dir DIR writes elsewhere)");
+        }
+        if (!skipExisting && already.Has(file.m_strOutput)) {
+            throw CFailure(file.m_strOutput, output + "is there and may be an original",
+                           " (nothing is converted; --skip-existing keeps it, --out-dir DIR writes elsewhere)");
+        }
     }
+}
+
+// Whether outputs come to lie beside the input, in its own directory.
+bool IsInPlace(const SInputFile& input, const std::string& output) {
+    std::error_code error;
+    const fs::path directory = fs::path(input.m_name.GetGiven()).parent_path();
+    const fs::path outputDirectory = fs::path(output).parent_path();
+    return directory == outputDirectory || fs::equivalent(directory, outputDirectory, error);
 }
 
 // What becomes of the inputs, before shards are told apart.
 SConversionPlan PlanAll(const SConvertOptions& options, SInputFiles inputs) {
+    CFileSet already;
     SConversionPlan plan;
     plan.m_nOthers = inputs.m_nOthers;
     plan.m_vFailures = std::move(inputs.m_vFailures);
     for (SInputFile& input : inputs.m_vFiles) {
         const std::string extension = ExtensionOf(input.m_name.GetGiven());
-        const bool inPlace = options.m_strOutputDirectory.empty();
-        if (input.m_bFromDirectory && inPlace && strcasecmp(extension.c_str(), options.m_strExtension.c_str()) == 0) {
+        std::string output = OutputOf(input, options);
+        if (input.m_bFromDirectory && IsInPlace(input, output) &&
+            strcasecmp(extension.c_str(), options.m_strExtension.c_str()) == 0) {
+            already.Add(input.m_name);
             ++plan.m_nAlready;
             continue;
         }
-        std::string output = OutputOf(input, options);
         plan.m_vFiles.push_back({std::move(input.m_name), std::move(output)});
     }
+    RefuseClashes(plan.m_vFiles, already, options.m_bSkipExisting);
     return plan;
 }
 
@@ -118,7 +152,6 @@ SConversionPlan MakeConversionPlan(const SConvertOptions& options, const CPlugin
     const SInputRequest request{options.m_vInputs, options.m_bRecursive, session.GetDecoderExtensions(),
                                 options.m_strOutputDirectory};
     SConversionPlan plan = PlanAll(options, FindInputFiles(request));
-    RefuseClashes(plan.m_vFiles);
     plan.m_vFiles = TakeShard(std::move(plan.m_vFiles), options.m_shard);
     return plan;
 }

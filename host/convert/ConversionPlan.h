@@ -21,6 +21,7 @@ struct SConversionPlan {
     int m_nAlready = 0;                 // files of directories that are what they would become
 };
 
-// Writes nothing. Throws CFailure when two inputs would become the same output, and when an output is one of the
-// inputs; it is the same failure for every shard.
+// Writes nothing. Throws CFailure when two inputs would become the same output, when an output is one of the inputs,
+// and, unless existing outputs are skipped, when it is one of the files that are left out as what they would become; it
+// is the same failure for every shard.
 SConversionPlan MakeConversionPlan(const SConvertOptions& options, const CPluginSession& session);

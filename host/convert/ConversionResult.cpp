@@ -7,6 +7,7 @@
 
 #include "host/FormatText.h"
 #include "host/Json.h"
+#include "host/Printable.h"
 
 namespace {
 
@@ -45,13 +46,19 @@ const char* OutcomeName(EOutcome outcome) {
 
 }  // namespace
 
+void SetFailure(SConversionResult& result, const CFailure& failure) {
+    result.m_eOutcome = EOutcome::Failed;
+    result.m_strFailure = failure.what();
+    result.m_strReason = failure.GetReason();
+}
+
 std::string ReportText(const SConversionResult& result) {
-    return result.m_strInput + ": " + StreamText(result.m_report.m_source) + "\n" + result.m_strOutput + ": " +
-           StreamText(result.m_report.m_target) + ClippingText(result.m_report);
+    return Printable(result.m_strInput) + ": " + StreamText(result.m_report.m_source) + "\n" +
+           Printable(result.m_strOutput) + ": " + StreamText(result.m_report.m_target) + ClippingText(result.m_report);
 }
 
 std::string LineText(const SConversionResult& result) {
-    const std::string names = result.m_strInput + " -> " + result.m_strOutput;
+    const std::string names = Printable(result.m_strInput + " -> " + result.m_strOutput);
     if (result.m_eOutcome == EOutcome::Skipped) return names + ": skipped, it is there";
     if (result.m_eOutcome != EOutcome::Converted) return names;
     return names + ": " + StreamText(result.m_report.m_target) + ClippingText(result.m_report);

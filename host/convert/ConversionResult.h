@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "host/Failure.h"
 #include "host/convert/Conversion.h"
 
 enum class EOutcome {
@@ -23,6 +24,8 @@ struct SConversionResult {
     std::string m_strFailure;  // the whole line
     std::string m_strReason;   // what other files may have in common
 };
+
+void SetFailure(SConversionResult& result, const CFailure& failure);
 
 // Two lines: the input with its format and length, the output likewise.
 std::string ReportText(const SConversionResult& result);

@@ -52,20 +52,24 @@ void ReportOne(const SConversionResult& result, const SConvertOptions& options, 
 
 int ConvertOne(const CPluginSession& session, const SConvertOptions& options) {
     const SPlannedFile file{CSourceName(options.m_vInputs.front()), options.m_strOutput};
-    CConsole console(!options.m_bQuiet && !options.m_bJson, WorkloadOf({file}));
     SConversionResult result = ExpectedResult(options, file);
+    CConsole console(!options.m_bQuiet && !options.m_bJson, WorkloadOf({file}, {result}));
+    bool reported = false;
+    const auto report = [&](const SConversionResult& complete) {
+        ReportOne(complete, options, console);
+        reported = true;
+    };
     if (!options.m_bDryRun && result.m_eOutcome == EOutcome::Planned) {
         // A report that nobody gets is a failure, and a failure leaves no output.
-        result = ConvertFile({session, options, console}, file,
-                             [&](const SConversionResult& complete) { ReportOne(complete, options, console); });
-    } else {
-        ReportOne(result, options, console);
+        result = ConvertFile({session, options, console}, file, report);
+    } else if (result.m_strFailure.empty()) {
+        report(result);
     }
     if (!result.m_report.m_strWarning.empty()) {
         console.ReportFailure(result.m_strInput + ": " + result.m_report.m_strWarning);
     }
     if (result.m_strFailure.empty()) return 0;
-    if (options.m_bJson) PrintJson(ToJson(result));
+    if (options.m_bJson && !reported) PrintJson(ToJson(result));
     console.ReportFailure(result.m_strFailure);
     return kExitFailed;
 }
@@ -77,7 +81,8 @@ int RunConvert(SConvertOptions& options) {
     Prepare(session, options);
     if (options.HasOneOutput()) return ConvertOne(session, options);
     if (options.m_bStandardOutput) {
-        CConsole console(!options.m_bQuiet, WorkloadOf({SPlannedFile{CSourceName(options.m_vInputs.front()), ""}}));
+        CConsole console(!options.m_bQuiet,
+                         WorkloadOf({SPlannedFile{CSourceName(options.m_vInputs.front()), ""}}, {SConversionResult{}}));
         ConvertToStandardOutput({session, options, console});
         return 0;
     }

@@ -122,6 +122,7 @@ void CompleteStandardOutput(SConvertOptions& options) {
     RequireNoOption(options.m_bRecursive, "--recursive", kOneOutput);
     RequireNoOption(options.m_bJson, "--json", kOneOutput);
     RequireNoOption(options.m_bDryRun, "--dry-run", kOneOutput);
+    RequireNoOption(options.m_shard.m_nCount != 1, "--shard", kOneOutput);
     if (options.m_strExtension.empty()) options.m_strExtension = kDefaultStandardOutputExtension;
 }
 

@@ -6,6 +6,8 @@
 
 #include "host/Failure.h"
 #include "host/FormatText.h"
+#include "host/RescaledFrames.h"
+#include "host/StopSignal.h"
 
 CExcerpt::CExcerpt(CSourceStream& source, const SWavFormat& delivered, const SExcerptOptions& options,
                    std::string given)
@@ -32,11 +34,8 @@ void CExcerpt::RequireOrder() const {
     }
 }
 
-// The nearest frame of what is delivered.
 std::uint64_t CExcerpt::Delivered(std::uint64_t sourceFrames) const {
-    const auto from = static_cast<std::uint64_t>(m_nSourceRate);
-    const auto to = static_cast<std::uint64_t>(m_delivered.nSampleRate);
-    return sourceFrames / from * to + (sourceFrames % from * to + from / 2) / from;
+    return RescaledFrames(sourceFrames, m_nSourceRate, m_delivered.nSampleRate);
 }
 
 std::uint64_t CExcerpt::GetAnnouncedFrames() const {
@@ -54,10 +53,14 @@ int CExcerpt::Read(unsigned char* buffer, int size) {
     for (;;) {
         if (m_nFramesLeft == 0) return 0;
         const int read = m_source.Read(buffer, size);
+        if (read == 0 && m_nBytesToDrop > 0) throw CFailure(m_strGiven, "--start is behind its end");
         const auto dropped =
             static_cast<int>(std::min<std::uint64_t>(m_nBytesToDrop, static_cast<std::uint64_t>(read)));
         m_nBytesToDrop -= static_cast<std::uint64_t>(dropped);
-        if (read > 0 && dropped == read) continue;
+        if (read > 0 && dropped == read) {
+            RequireNoStopSignal(m_strGiven);
+            continue;
+        }
         std::copy(buffer + dropped, buffer + read, buffer);
         return Limit(read - dropped);
     }

@@ -15,9 +15,6 @@ public:
     // Sample frames of the source between both ends; 0 when unknown.
     std::uint64_t GetAnnouncedFrames() const;
 
-    // Whether the end is where the source ends.
-    bool ReachesTheEnd() const { return m_nFramesLeft == kAll; }
-
     void Start();
 
     // Fills the buffer with the next bytes and returns their count; 0 is the end.

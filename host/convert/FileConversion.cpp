@@ -1,6 +1,9 @@
 // One planned file, from the question whether it is there to its place under its own name.
 #include "host/convert/FileConversion.h"
 
+#include <unistd.h>
+
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
@@ -14,6 +17,7 @@
 #include "host/StandardOutput.h"
 #include "host/StopSignal.h"
 #include "host/TargetFile.h"
+#include "host/TemporaryFile.h"
 
 namespace {
 
@@ -28,16 +32,35 @@ std::uint64_t WeightOf(const CSourceName& name) {
     return kWeightOfAFile + (error ? 0 : bytes);
 }
 
-// Tells the console what each call adds to the one before.
-CProgressListener ListenerFor(const CSourceName& name, CConsole& console) {
-    const auto weight = static_cast<double>(WeightOf(name));
-    return [&console, weight, counted = std::uint64_t{0}, heard = 0.0](double part, double seconds) mutable {
-        const auto reached = static_cast<std::uint64_t>(part * weight);
-        console.Advance(reached - counted, seconds - heard);
-        counted = reached;
-        heard = seconds;
-    };
-}
+// What one input adds to the progress: all of its weight when it is over, whatever has become of it.
+class CFileProgress {
+public:
+    CFileProgress(const CSourceName& name, CConsole& console) : m_console(console), m_nWeight(WeightOf(name)) {}
+    ~CFileProgress() { m_console.Advance(m_nWeight - m_nCounted, 0); }
+
+    CFileProgress(const CFileProgress&) = delete;
+    CFileProgress& operator=(const CFileProgress&) = delete;
+
+    void Reach(double part, double seconds) {
+        const auto reached = std::max(m_nCounted, static_cast<std::uint64_t>(part * static_cast<double>(m_nWeight)));
+        m_console.Advance(reached - m_nCounted, seconds - m_fHeard);
+        m_nCounted = reached;
+        m_fHeard = seconds;
+    }
+
+    CProgressListener Listener() {
+        return [this](double part, double seconds) { Reach(part, seconds); };
+    }
+
+private:
+    CConsole& m_console;
+    std::uint64_t m_nWeight;
+    std::uint64_t m_nCounted = 0;
+    double m_fHeard = 0;
+};
+
+// Whether a later run may take the output's being there for its being complete.
+bool IsTrustedLater(const SConvertOptions& options) { return options.m_bSkipExisting || options.m_shard.m_nCount > 1; }
 
 void MakeDirectoryOf(const std::string& output) {
     const fs::path directory = fs::path(output).parent_path();
@@ -46,13 +69,14 @@ void MakeDirectoryOf(const std::string& output) {
     if (error) throw CFailure(directory.string(), "no such directory can be made: " + error.message());
 }
 
-void Convert(const SConversionSetting& setting, const SPlannedFile& file, SConversionResult& result,
-             const CCommitHook& hook) {
+void Convert(const SConversionSetting& setting, const SPlannedFile& file, const CProgressListener& listener,
+             SConversionResult& result, const CCommitHook& hook) {
     CConversion conversion(setting.m_session, setting.m_options, file.m_name, file.m_strOutput,
                            ExtensionOf(file.m_strOutput));
     if (!setting.m_options.HasOneOutput()) MakeDirectoryOf(file.m_strOutput);
     CTargetFile target(file.m_strOutput, file.m_name.GetURL());
-    result.m_report = conversion.Run(target.GetTemporaryPath(), ListenerFor(file.m_name, setting.m_console));
+    result.m_report = conversion.Run(target.GetTemporaryPath(), listener);
+    if (IsTrustedLater(setting.m_options)) target.Sync();
     result.m_eOutcome = EOutcome::Converted;
     hook(result);
     target.Commit();
@@ -78,27 +102,35 @@ SConversionResult ExpectedResult(const SConvertOptions& options, const SPlannedF
     result.m_strInput = file.m_name.GetGiven();
     result.m_strOutput = file.m_strOutput;
     std::error_code error;
-    if (options.m_bSkipExisting && fs::is_regular_file(file.m_strOutput, error)) result.m_eOutcome = EOutcome::Skipped;
-    return result;
-}
-
-SConversionResult ConvertFile(const SConversionSetting& setting, const SPlannedFile& file, const CCommitHook& hook) {
-    SConversionResult result = ExpectedResult(setting.m_options, file);
-    if (result.m_eOutcome == EOutcome::Skipped) return result;
-    try {
-        CallPlugins(result.m_strInput, [&] { Convert(setting, file, result, hook); });
-    } catch (const CFailure& failure) {
-        // A wait that the signal ended is no failure of the file.
-        result.m_eOutcome = GetStopSignal() != 0 ? EOutcome::Interrupted : EOutcome::Failed;
-        result.m_strFailure = failure.what();
-        result.m_strReason = failure.GetReason();
+    if (options.m_bSkipExisting && fs::is_regular_file(file.m_strOutput, error)) {
+        result.m_eOutcome = EOutcome::Skipped;
+    } else if (options.m_bDryRun && !file.m_name.IsRemote() && access(file.m_name.GetURL(), R_OK) != 0) {
+        SetFailure(result, CFailure(file.m_name.GetGiven(), SystemErrorText(errno)));
     }
     return result;
 }
 
-SWorkload WorkloadOf(const std::vector<SPlannedFile>& files) {
-    SWorkload workload{0, files.size()};
-    for (const SPlannedFile& file : files) workload.m_nWeight += WeightOf(file.m_name);
+SConversionResult ConvertFile(const SConversionSetting& setting, const SPlannedFile& file, const CCommitHook& hook) {
+    CFileProgress progress(file.m_name, setting.m_console);
+    SConversionResult result = ExpectedResult(setting.m_options, file);
+    if (result.m_eOutcome == EOutcome::Skipped) return result;
+    try {
+        CallPlugins(result.m_strInput, [&] { Convert(setting, file, progress.Listener(), result, hook); });
+    } catch (const CFailure& failure) {
+        SetFailure(result, failure);
+        // A wait that the signal ended is no failure of the file.
+        if (GetStopSignal() != 0) result.m_eOutcome = EOutcome::Interrupted;
+    }
+    return result;
+}
+
+SWorkload WorkloadOf(const std::vector<SPlannedFile>& files, const std::vector<SConversionResult>& expected) {
+    SWorkload workload{0, 0};
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        if (expected[i].m_eOutcome != EOutcome::Planned) continue;
+        workload.m_nWeight += WeightOf(files[i].m_name);
+        ++workload.m_nFiles;
+    }
     return workload;
 }
 
@@ -108,12 +140,12 @@ void ConvertToStandardOutput(const SConversionSetting& setting) {
         CConversion conversion(setting.m_session, setting.m_options, name, "standard output",
                                setting.m_options.m_strExtension);
         // Encoders need a file that they can go back in.
-        const std::string place = fs::temp_directory_path() / ("keloaudio." + setting.m_options.m_strExtension);
-        const CTargetFile file(place, name.GetURL());
-        const SConversionReport report = conversion.Run(file.GetTemporaryPath(), ListenerFor(name, setting.m_console));
+        const CTemporaryFile file("standard output", fs::temp_directory_path(), "keloaudio");
+        CFileProgress progress(name, setting.m_console);
+        const SConversionReport report = conversion.Run(file.GetPath(), progress.Listener());
         if (!report.m_strWarning.empty()) {
             setting.m_console.ReportFailure(name.GetGiven() + ": " + report.m_strWarning);
         }
-        CopyToStandardOutput(file.GetTemporaryPath());
+        CopyToStandardOutput(file.GetPath());
     });
 }

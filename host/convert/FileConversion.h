@@ -20,11 +20,12 @@ struct SConversionSetting {
 // Never throws a CFailure: it is in the result. [stream-thread]
 SConversionResult ConvertFile(const SConversionSetting& setting, const SPlannedFile& file, const CCommitHook& hook);
 
-// The result of a file before anything has been done: planned, or skipped where the options say so.
+// The result of a file before anything has been done: planned, skipped where the options say so, or, in a dry run,
+// failed for an input that is not there.
 SConversionResult ExpectedResult(const SConvertOptions& options, const SPlannedFile& file);
 
-// What all of them are to the progress.
-SWorkload WorkloadOf(const std::vector<SPlannedFile>& files);
+// What those of `files` that are planned are to the progress; `expected` has the result of each.
+SWorkload WorkloadOf(const std::vector<SPlannedFile>& files, const std::vector<SConversionResult>& expected);
 
 // Converts the one input and writes the complete file to standard output. Throws CFailure. [stream-thread]
 void ConvertToStandardOutput(const SConversionSetting& setting);

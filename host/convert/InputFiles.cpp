@@ -1,13 +1,12 @@
 // The inputs that a command line names, with what its directories hold.
 #include "host/convert/InputFiles.h"
 
-#include <strings.h>
-
 #include <algorithm>
 #include <system_error>
 
 #include "host/Encoders.h"
 #include "host/FailureText.h"
+#include "host/StopSignal.h"
 
 namespace {
 
@@ -23,10 +22,10 @@ public:
     }
 
     void Enter(const fs::path& directory, const fs::path& folder) {
-        if (IsExcluded(directory)) return;
         std::error_code error;
         fs::directory_iterator entries(directory, error);
-        for (; !error && entries != fs::directory_iterator(); entries.increment(error)) Take(*entries, folder);
+        for (; !error && entries != fs::directory_iterator() && GetStopSignal() == 0; entries.increment(error))
+            Take(*entries, folder);
         if (error) m_found.m_vFailures.emplace_back(directory.string(), error.message());
     }
 
@@ -35,10 +34,11 @@ private:
         std::error_code error;
         const bool link = entry.is_symlink(error);
         if (entry.is_directory(error)) {
-            if (!link) Enter(entry.path(), folder / entry.path().filename());
+            if (!link && !IsExcluded(entry.path())) Enter(entry.path(), folder / entry.path().filename());
             return;
         }
-        if (!entry.is_regular_file(error) || !IsListed(ExtensionOf(entry.path().string()))) {
+        if (!entry.is_regular_file(error) ||
+            !HasExtension(m_request.m_vExtensions, ExtensionOf(entry.path().string()))) {
             ++m_found.m_nOthers;
             return;
         }
@@ -48,12 +48,6 @@ private:
     bool IsExcluded(const fs::path& directory) const {
         std::error_code error;
         return !m_excluded.empty() && fs::weakly_canonical(directory, error) == m_excluded;
-    }
-
-    bool IsListed(const std::string& extension) const {
-        return std::any_of(
-            m_request.m_vExtensions.begin(), m_request.m_vExtensions.end(),
-            [&](const std::string& listed) { return strcasecmp(listed.c_str(), extension.c_str()) == 0; });
     }
 
     const SInputRequest& m_request;

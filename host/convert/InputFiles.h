@@ -30,7 +30,7 @@ struct SInputRequest {
     // Without the dot; in any case of letters.
     std::vector<std::string> m_vExtensions;
 
-    // Not entered; empty for none.
+    // Not entered unless it is named itself; empty for none.
     std::string m_strExcludedDirectory;
 };
 

@@ -8,6 +8,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -27,13 +28,23 @@ public:
     }
 
     void RunOn(int threads) {
-        m_nRunning = threads;
-        for (int i = 0; i < threads; ++i) m_vThreads.emplace_back([this] { RunAsWorker(); });
+        try {
+            for (int i = 0; i < threads; ++i) StartWorker();
+        } catch (const std::system_error&) {
+            // The system gives no more; fewer do the same work.
+        }
+        if (m_vThreads.empty()) RunHere();
         WaitForEnd();
         for (std::thread& thread : m_vThreads) thread.join();
     }
 
 private:
+    void StartWorker() {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_vThreads.emplace_back([this] { RunAsWorker(); });
+        ++m_nRunning;
+    }
+
     void RunAsWorker() {
         RunHere();
         const std::lock_guard<std::mutex> lock(m_mutex);

@@ -9,9 +9,12 @@
 namespace {
 
 // File formats whose usual codings are lossy. Float samples of any other format are taken for float PCM, which a wider
-// output keeps.
-constexpr const char* kLossyExtensions[] = {"3gp", "aac", "ac3", "amr", "dts",  "eac3", "m4a", "m4b", "mp2",  "mp3",
-                                            "mp4", "mpc", "oga", "ogg", "opus", "ra",   "rm",  "spx", "webm", "wma"};
+// output keeps; AVI, Matroska video, QuickTime and MXF carry that as well.
+constexpr const char* kLossyExtensions[] = {
+    "3g2",  "3ga", "3gp", "aa3", "aac",  "ac3",  "adts", "aea", "amr", "asf",  "at3", "awb", "dss", "dts",
+    "eac3", "ec3", "f4a", "f4v", "flv",  "loas", "m2ts", "m4a", "m4b", "m4r",  "m4v", "mka", "mp+", "mp1",
+    "mp2",  "mp3", "mp4", "mpa", "mpc",  "mpeg", "mpg",  "mpp", "mts", "oga",  "ogg", "ogm", "ogv", "oma",
+    "opus", "qcp", "ra",  "rm",  "rmvb", "spx",  "ts",   "vob", "vqf", "webm", "wma", "wmv", "xwma"};
 
 constexpr int kLossyBits = 16;
 constexpr int kFloatBits = 32;

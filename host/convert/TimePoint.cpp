@@ -9,10 +9,11 @@ namespace {
 constexpr std::uint64_t kBillion = 1000000000;
 
 // More would overflow when they are counted in frames.
-constexpr std::size_t kMostDigits = 12;
+constexpr std::size_t kMostClockDigits = 9;
+constexpr std::size_t kMostFrameDigits = 12;
 constexpr std::size_t kMostFractionDigits = 9;
 
-std::optional<std::uint64_t> ParseNumber(const std::string& digits, std::size_t mostDigits = kMostDigits) {
+std::optional<std::uint64_t> ParseNumber(const std::string& digits, std::size_t mostDigits) {
     const bool good = !digits.empty() && digits.size() <= mostDigits &&
                       std::all_of(digits.begin(), digits.end(), [](unsigned char c) { return std::isdigit(c) != 0; });
     if (!good) return std::nullopt;
@@ -25,7 +26,7 @@ std::optional<std::uint64_t> ParseClock(const std::string& text) {
     std::size_t begin = 0;
     for (int colons = 0; colons <= 2; ++colons) {
         const std::size_t end = text.find(':', begin);
-        const auto number = ParseNumber(text.substr(begin, end - begin));
+        const auto number = ParseNumber(text.substr(begin, end - begin), kMostClockDigits);
         if (!number || (colons > 0 && *number >= 60)) return std::nullopt;
         total = total * 60 + *number;
         if (end == std::string::npos) return total;
@@ -38,7 +39,7 @@ std::optional<std::uint64_t> ParseClock(const std::string& text) {
 
 std::optional<STimePoint> ParseTimePoint(const std::string& text) {
     if (!text.empty() && text.back() == 'f') {
-        const auto frames = ParseNumber(text.substr(0, text.size() - 1));
+        const auto frames = ParseNumber(text.substr(0, text.size() - 1), kMostFrameDigits);
         if (!frames) return std::nullopt;
         return STimePoint{true, *frames, 0};
     }

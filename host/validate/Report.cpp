@@ -6,6 +6,8 @@
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
+#include "host/Printable.h"
+
 namespace {
 
 std::string FileName(const SPluginReport& report) {
@@ -15,17 +17,6 @@ std::string FileName(const SPluginReport& report) {
 std::string MillisecondsText(double milliseconds) {
     char text[32];
     std::snprintf(text, sizeof(text), "%.1f ms", milliseconds);
-    return text;
-}
-
-std::string Printable(std::string text) {
-    std::replace_if(
-        text.begin(), text.end(),
-        [](char character) {
-            const auto byte = static_cast<unsigned char>(character);
-            return byte < 0x20 || byte == 0x7F;
-        },
-        '?');
     return text;
 }
 

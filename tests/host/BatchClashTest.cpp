@@ -83,6 +83,16 @@ TEST_F(BatchClash, OutputThatIsAnotherInputIsRefused) {
                   {"other/b.wav: the output of in/b.aiff is one of the inputs"});
 }
 
+TEST_F(BatchClash, OriginalInTheTargetFormatIsNotReplacedByItsNamesake) {
+    CopyTo("in/a.wav");
+    CopyTo("in/a.aiff");
+    ExpectRefused({"-r", "in", "--to", "wav"}, {"in/a.wav: the output of in/a.aiff is there and may be an original"});
+    const std::string original = ReadWholeFile(InWork("in/a.wav"));
+    const SRunResult skipped = Run({"convert", "-r", "in", "--to", "wav", "--skip-existing"});
+    EXPECT_EQ(skipped.m_nExit, 0) << skipped.m_strErr;
+    EXPECT_TRUE(ReadWholeFile(InWork("in/a.wav")) == original);
+}
+
 TEST_F(BatchClash, FormsThatDoNotGoTogetherAreWrongUsage) {
     ExpectFailure(Run({"convert", "a.wav", "b.wav", "c.wav"}), {"--to EXTENSION: is required"}, 2);
     ExpectFailure(Run({"convert", "a.wav", "b.wav", "--out-dir", "out"}), {"--out-dir: goes with --to EXTENSION"}, 2);

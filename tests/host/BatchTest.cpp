@@ -5,6 +5,7 @@
 
 #include "tests/host/KeloAudio.h"
 #include "tests/host/SoundTools.h"
+#include "tests/support/Sanitizers.h"
 
 namespace {
 
@@ -77,9 +78,47 @@ TEST_F(Batch, NamedFilesGoIntoTheOutputDirectoryItself) {
 TEST_F(Batch, OutputsGoBesideTheInputsWithoutADirectory) {
     EXPECT_EQ(Run({"convert", "-r", "in", "--to", "flac"}).m_nExit, 0);
     EXPECT_TRUE(std::filesystem::exists(InWork("in/deep/er/noise.flac")));
-    const SRunResult again = Run({"convert", "-r", "in", "--to", "flac"});
+    const SRunResult again = Run({"convert", "-r", "in", "--to", "flac", "--skip-existing"});
     EXPECT_EQ(again.m_nExit, 0) << again.m_strErr;
-    ExpectHolds(again.m_strOut, ", 3 already .flac, 2 other files left out\n");
+    ExpectHolds(again.m_strOut, "0 files converted, 3 skipped, 3 already .flac, 2 other files left out\n");
+}
+
+TEST_F(Batch, OutputDirectoryThatIsTheInputMeansBesideTheInputs) {
+    const SRunResult result = Run({"convert", "-r", "in", "--to", "flac", "--out-dir", "in"});
+    EXPECT_EQ(result.m_nExit, 0) << result.m_strErr;
+    EXPECT_TRUE(std::filesystem::exists(InWork("in/deep/er/noise.flac")));
+    const SRunResult again = Run({"convert", "-r", "in", "--to", "flac", "--out-dir", "in/.", "--skip-existing"});
+    ExpectHolds(again.m_strOut, "0 files converted, 3 skipped, 3 already .flac, 2 other files left out\n");
+}
+
+TEST_F(Batch, NamesInSquareBracketsAreNames) {
+    std::filesystem::rename(InWork("in"), InWork("[in, 1994]"));
+    std::filesystem::copy_file(kFrontCenter, InWork("[a].wav"));
+    const SRunResult result = Run({"convert", "-r", "[in, 1994]", "[a].wav", "--to", "flac", "--out-dir", "[out]"});
+    EXPECT_EQ(result.m_nExit, 0) << result.m_strErr;
+    EXPECT_EQ(FilesBelow("[out]"),
+              (std::vector<std::string>{"[a].flac", "deep/bell.flac", "deep/er/noise.flac", "front.flac"}));
+}
+
+TEST_F(Batch, GoesOnWithTheThreadsThatTheSystemGives) {
+    if (support::kAddressSanitizer) GTEST_SKIP() << "the sanitizer needs more address space than the limit leaves";
+    // A thread takes a stack of the limit's size: of the twenty there is room for a few.
+    const std::string command = std::string("ulimit -s 1000000; ulimit -v 3500000; exec ") + KELOAUDIO +
+                                " convert -r in --to flac --out-dir out --jobs 20 --plugins " + SoundPluginDirectory();
+    for (int i = 0; i < 20; ++i) {
+        std::filesystem::copy_file(kFrontCenter, InWork("in/" + std::to_string(i) + ".wav"));
+    }
+    const SRunResult result = RunProgram({"bash", "-c", command}, WorkDirectory());
+    EXPECT_EQ(result.m_nExit, 0) << result.m_strErr;
+    EXPECT_EQ(FilesBelow("out").size(), 23u);
+}
+
+TEST_F(Batch, DryRunTellsInputsThatAreNotThere) {
+    const SRunResult result = Run({"convert", "none.wav", "in/front.wav", "--to", "flac", "--dry-run"});
+    EXPECT_EQ(result.m_nExit, 1);
+    EXPECT_EQ(result.m_strOut, "in/front.wav -> in/front.flac\n1 file to convert\n");
+    ExpectHolds(result.m_strErr, "keloaudio: none.wav: No such file or directory\n");
+    ExpectFailure(Run({"convert", "none.wav", "out.flac", "--dry-run"}), {"none.wav: No such file or directory"});
 }
 
 TEST_F(Batch, DirectoryWithoutTheOptionIsRefused) {
@@ -207,7 +246,9 @@ TEST_F(Batch, LinesThatNobodyGetsEndTheRun) {
     const std::string command = std::string("exec ") + KELOAUDIO + " convert -r in --to flac --out-dir out --plugins " +
                                 SoundPluginDirectory() + " >/dev/full";
     ExpectFailure(RunProgram({"bash", "-c", command}, WorkDirectory()), {"standard output: No space left on device"});
-    for (const std::string& name : FilesBelow("out")) EXPECT_NE(name.find(".flac"), std::string::npos) << name;
+    for (const std::string& name : FilesBelow("out")) {
+        EXPECT_EQ(std::filesystem::path(name).extension(), ".flac") << name;
+    }
 }
 
 TEST_F(Batch, ShardsTakeEveryFileOnce) {

@@ -77,7 +77,7 @@ TEST_F(Completion, OffersFilesAndDirectories) {
 
 TEST_F(Completion, ManualPageNamesEveryOptionAndHasNoWarnings) {
     const std::string page = ReadWholeFile(KELO_SOURCE_DIR "/doc/keloaudio.1");
-    for (const std::string command : {"list", "info", "convert", "settings"}) {
+    for (const std::string command : {"list", "info", "convert", "settings", "validate"}) {
         for (const std::string& option : OptionsInHelp(command)) {
             // Alone, or behind its short form.
             const bool named = page.find("Fl " + option.substr(1)) != std::string::npos ||

@@ -74,9 +74,18 @@ TEST_F(Excerpt, StartBehindTheEndIsRefused) {
                        {"--start", "50000f", "--end", "1"});
 }
 
+TEST_F(Excerpt, StartBehindAnEndThatNobodyAnnouncedIsRefused) {
+    UseFixture("ScriptedDecoder.so");
+    UsePlugin(KELO_PLUGINS, "sndfile.so");
+    m_scratch.Write("work/in.lateblock", "x");
+    ExpectFailure(RunWithChosen({"convert", "in.lateblock", "out.wav", "--start", "1000f"}),
+                  {"in.lateblock: --start is behind its end"});
+    EXPECT_EQ(NamesIn(WorkDirectory()), std::vector<std::string>{"in.lateblock"});
+}
+
 TEST_F(Excerpt, WhatIsNoTimeIsWrongUsage) {
-    for (const std::string text :
-         {"", "x", "-1", "1:60", "1:2:3:4", "1.", ".5", "1.2.3", "4800 f", "f", "1,5", "1e3", "9999999999999"}) {
+    for (const std::string text : {"", "x", "-1", "1:60", "1:2:3:4", "1.", ".5", "1.2.3", "4800 f", "f", "1,5", "1e3",
+                                   "9999999999", "9999999999999f"}) {
         SCOPED_TRACE(text);
         ExpectFailure(Run({"convert", kFrontCenter, "out.wav", "--start=" + text}), {"--start"}, 2);
     }

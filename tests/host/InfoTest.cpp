@@ -49,6 +49,13 @@ TEST_F(Info, LossySourcesAreFloat) {
     EXPECT_NE(Run({"info", kComplete}).m_strOut.find("44100 Hz, 32-bit float, 2 channels"), std::string::npos);
 }
 
+TEST_F(Info, ControlCharactersOfTagsDoNotReachTheTerminal) {
+    RunTool(
+        {"flac", "-s", "--no-utf8-convert", "-T", "TITLE=a\033[2Jb\u009bc\nd", "-o", InWork("in.flac"), kFrontCenter});
+    EXPECT_NE(Run({"info", "in.flac"}).m_strOut.find("\n    title     a?[2Jb?c?d\n"), std::string::npos);
+    EXPECT_EQ(Describe("in.flac").at("tags").at("title"), "a\033[2Jb\u009bc\nd");
+}
+
 TEST_F(Info, TagsAreToldAndNoneAreMadeUp) {
     RunTool({"flac", "-s", "-T", "TITLE=Mitte", "-T", "ARTIST=Vorn", "-T", "DATE=1999", "-o", InWork("a - b.flac"),
              kFrontCenter});

@@ -63,6 +63,15 @@ TEST_F(OpenedOnce, DecoderThatCanBeWrappedIsTakenWhereAnEarlierOneCannot) {
     EXPECT_EQ(SoxSamples(InWork("out.wav"), 16), std::string(200, '\x11'));
 }
 
+TEST_F(OpenedOnce, LengthOfTheOtherDecoderIsThatOfTheSource) {
+    UseFixture("LonerBeforeTwin.so");
+    m_scratch.Write("work/in.twin", "x");
+    const SRunResult result = RunWithChosen({"convert", "in.twin", "out.wav", "--rate", "96000"});
+    ExpectConverted(result, "in.twin: 48000 Hz, 16 bits, 1 channel, 100 frames");
+    ExpectFailure(RunWithChosen({"convert", "in.twin", "out.wav", "--rate", "96000", "--start", "150f"}),
+                  {"is behind its end (100 frames"});
+}
+
 TEST_F(OpenedOnce, EarlierDecoderIsReadAsItIsWhereNothingIsConverted) {
     UseFixture("LonerBeforeTwin.so");
     m_scratch.Write("work/in.twin", "x");

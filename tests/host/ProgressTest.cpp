@@ -37,6 +37,18 @@ TEST_F(Progress, BarOfManyFilesCountsThem) {
     EXPECT_NE(screen.find("\r\033[Klong.flac -> out/long.wav"), std::string::npos) << screen;
 }
 
+TEST_F(Progress, SkippedAndFailedFilesDoNotHoldTheBarBack) {
+    std::filesystem::create_directory(InWork("out"));
+    std::filesystem::copy_file(InWork("long.flac"), InWork("out/again.flac"));
+    // Far larger than the one that is converted, and not sound.
+    m_scratch.Write("work/broken.wav", std::string(40000000, 'x'));
+    const std::string screen =
+        OnTerminal("again.flac broken.wav long.flac --to flac --out-dir out --skip-existing --jobs 1");
+    EXPECT_NE(screen.find("1 of 2 files"), std::string::npos) << screen;
+    EXPECT_EQ(screen.find("0 of 2 files"), std::string::npos) << screen;
+    EXPECT_NE(screen.find("99%  1 of 2"), std::string::npos) << screen;
+}
+
 TEST_F(Progress, QuietAndJsonHaveNoBar) {
     EXPECT_EQ(OnTerminal("long.flac out.wav --quiet"), "");
     EXPECT_EQ(OnTerminal("long.flac out.wav --json").find('\033'), std::string::npos);

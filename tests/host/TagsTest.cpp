@@ -47,6 +47,16 @@ TEST_F(Tags, WithoutAPlaceStayBehind) {
     EXPECT_TRUE(TagsOf("out.au").empty());
 }
 
+TEST_F(Tags, ThatTheEncoderRefusesStayBehindWithAWord) {
+    const std::string longTitle(5000, 'x');
+    RunTool({"flac", "-s", "-T", "TITLE=" + longTitle, "-T", "ARTIST=Vorn", "-o", InWork("in.flac"), kFrontCenter});
+    const SRunResult result = Run({"convert", "in.flac", "out.ogg"});
+    EXPECT_EQ(result.m_nExit, 0);
+    EXPECT_EQ(result.m_strErr.rfind("keloaudio: in.flac: the title is left out: ", 0), 0u) << result.m_strErr;
+    EXPECT_TRUE(IsOneLine(result.m_strErr)) << result.m_strErr;
+    EXPECT_EQ(TagsOf("out.ogg"), (nlohmann::json{{"artist", "Vorn"}}));
+}
+
 TEST_F(Tags, AreNotMadeUpFromTheFileName) {
     std::filesystem::copy_file(kFrontCenter, InWork("Band - Song.wav"));
     ExpectConverted(Run({"convert", "Band - Song.wav", "out.flac"}), "out.flac");
