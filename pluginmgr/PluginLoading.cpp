@@ -1,5 +1,6 @@
 // Discovery, loading and unloading of plug-ins.
 #include <algorithm>
+#include <memory>
 
 #include "com/InterfaceIds.h"
 #include "pluginmgr/AudioPluginLib.h"
@@ -42,6 +43,10 @@ public:
 private:
     CComPtr<T>& m_member;
     T* m_pObject;
+};
+
+struct SModuleCloser {
+    void operator()(void* module) const noexcept { FreeLibrary(module); }
 };
 
 // Makes `directory` the current one and returns to the old one at its end.
@@ -107,9 +112,11 @@ void CAudioPluginMgr::ScanPluginDirectory() {
 void CAudioPluginMgr::LoadPluginFile(const char* path) {
     const std::size_t componentsBefore = m_vComponents.size();
     m_vLibraries.reserve(m_vLibraries.size() + 1);
+    std::unique_ptr<void, SModuleCloser> module(LoadLibrary(path));
     // Listed before it is asked: a library whose code throws something other than an int must stay open, since the
     // exception may live in it.
-    m_vLibraries.push_back(new CAudioPluginLib(path, LoadLibrary(path)));
+    m_vLibraries.push_back(new CAudioPluginLib(path, module.get()));
+    static_cast<void>(module.release());
     try {
         if (!m_vLibraries.back()->IsOK()) throw 0;
         RegisterPrimaryComponent(*m_vLibraries.back(), path);

@@ -1,0 +1,144 @@
+// Streams without memory: opening, starting, reading, writing.
+#include "stream/LiveAggregators.h"
+#include "tests/faults/EachAllocation.h"
+#include "tests/stream/OpeningFixture.h"
+#include "tests/stream/SourceFixture.h"
+#include "tests/support/FakeEncoder.h"
+
+namespace {
+
+using support::kStudio;
+
+class OpeningAllocation : public support::COpeningFixture {
+protected:
+    OpeningAllocation() {
+        Prepare(m_refusing);
+        Prepare(m_opening);
+        m_refusing.m_opener.m_open.m_eOutcome = support::EOutcome::Fails;
+        m_handler.m_localPath = m_song;
+        Register({&m_refusing, &m_opening, &m_handler});
+        m_eRequired = AUX_CONVERT;
+    }
+
+    void ExpectAllBack() {
+        CloseStream();
+        EXPECT_EQ(g_lAggregators, 0);
+        ExpectNothingHeld();
+    }
+
+    support::CFakeDecoderComponent m_refusing{"refusing", {"wav"}};
+    support::CFakeDecoderComponent m_opening{"opening", {"wav"}};
+    support::CFakeURLHandler m_handler{"handler", URL_HTTP};
+};
+
+class SourceAllocation : public support::CSourceFixture {};
+
+// A factory of encoders, for a target that is made, used and released.
+class TargetAllocation : public testing::Test {
+protected:
+    TargetAllocation() { m_targets.m_pEncoder = &m_script; }
+
+    support::SEncoderScript m_script;
+    support::CFakeTargetFactory m_targets;
+    support::CManagerHold m_manager;
+};
+
+}  // namespace
+
+TEST_F(OpeningAllocation, OfALocalFileLeavesNothingHeld) {
+    const int allocations = FailEachAllocation(
+        [&] {
+            CComPtr<IStatus> status;
+            OpenWanted(m_song, &kStudio, status.Out());
+        },
+        [&](bool /*thrown*/) { ExpectAllBack(); });
+    EXPECT_GT(allocations, 5);
+}
+
+TEST_F(OpeningAllocation, OfARemoteFileLeavesNothingHeld) {
+    FailEachAllocation(
+        [&] {
+            CComPtr<IStatus> status;
+            OpenWanted("http://host/song.wav", &kStudio, status.Out());
+        },
+        [&](bool /*thrown*/) { ExpectAllBack(); });
+}
+
+TEST_F(OpeningAllocation, ThatIsRefusedLeavesNothingHeld) {
+    m_opening.m_opener.m_open.m_eOutcome = support::EOutcome::Fails;
+    for (const std::string& name : {m_song, std::string("/missing.wav"), std::string("nothing known")}) {
+        FailEachAllocation(
+            [&] {
+                CComPtr<IStatus> status;
+                OpenWanted(name, &kStudio, status.Out());
+            },
+            [&](bool /*thrown*/) { ExpectAllBack(); });
+    }
+}
+
+TEST_F(SourceAllocation, AStartWithoutMemoryEndsTheDecoderAndTheNextSucceeds) {
+    InstallFactory();
+    ASSERT_TRUE(Wrap(kStudio));
+    const int allocations = FailEachAllocation([&] { m_pAggregator->Start(nullptr); },
+                                               [&](bool thrown) {
+                                                   EXPECT_FALSE(thrown);
+                                                   m_pAggregator->End(nullptr);
+                                                   EXPECT_EQ(m_factory.m_convertor.m_nAlive, 0);
+                                               });
+    EXPECT_EQ(allocations, 1);
+    const CFailingAllocation failing(1);
+    EXPECT_FALSE(m_pAggregator->Start(nullptr));
+    EXPECT_TRUE(m_pAggregator->Start(nullptr));
+    EXPECT_TRUE(m_pAggregator->End(nullptr));
+}
+
+TEST_F(SourceAllocation, ReadingNeedsNoMemory) {
+    StartConverting(kStudio);
+    unsigned char buffer[4096];
+    int read = 0;
+    EAudioRawState state = ARS_MORE;
+    const CFailingAllocation failing(1, true);
+    EXPECT_TRUE(m_pAggregator->RawRead(buffer, sizeof(buffer), &read, state, nullptr));
+    EXPECT_EQ(failing.GetCount(), 0);
+}
+
+TEST_F(SourceAllocation, AReasonWithoutMemoryIsAnExceptionAndLeavesNothing) {
+    ASSERT_TRUE(Wrap(kStudio));
+    const int allocations = FailEachAllocation([&] {
+        CComPtr<IStatus> status;
+        int read = 0;
+        EAudioRawState state = ARS_MORE;
+        m_pAggregator->RawRead(nullptr, 0, &read, state, status.Out());
+    });
+    EXPECT_GT(allocations, 0);
+}
+
+TEST_F(SourceAllocation, ArtistAndTitleWithoutMemoryLeaveNothing) {
+    m_script.m_denied = {IID_IAdvancedFormat};
+    m_script.m_pSourceName = "/music/A band with a long name - A song with a long name.wav";
+    const int allocations = FailEachAllocation(
+        [&] {
+            ASSERT_TRUE(Wrap(kStudio));
+            m_pAggregator->GetArtist();
+            m_pAggregator->GetTitle();
+        },
+        [&](bool /*thrown*/) {
+            Close();
+            EXPECT_EQ(g_lAggregators, 0);
+        });
+    EXPECT_GT(allocations, 5);
+}
+
+TEST_F(TargetAllocation, TargetsLeaveNothingHeld) {
+    const int allocations = FailEachAllocation(
+        [&] {
+            CComPtr<IUnknown> stream;
+            CComPtr<IStatus> status;
+            if (!m_manager->CreateURLAudioTarget(&m_targets, stream.Out(), kStudio, status.Out())) return;
+            const auto process = CComPtr<IProcess>::Query(stream.Get(), IID_IProcess);
+            // No factory for the conversion: the reason is a text.
+            process->Start(status.Out());
+        },
+        [&](bool /*thrown*/) { EXPECT_EQ(g_lAggregators, 0); });
+    EXPECT_GT(allocations, 2);
+}
