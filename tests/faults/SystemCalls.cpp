@@ -47,8 +47,6 @@ bool CFaultyCall::Strikes(ECall call) {
     return m_nCount >= m_fault.m_nFirst && m_nCount - m_fault.m_nFirst < m_fault.m_nTimes;
 }
 
-#define KELO_CALLER __builtin_return_address(0)
-
 extern "C" {
 
 KELO_EXPORT int open64(const char* path, int flags, ...) {
@@ -56,31 +54,31 @@ KELO_EXPORT int open64(const char* path, int flags, ...) {
     va_start(more, flags);
     const unsigned int mode = (flags & O_CREAT) != 0 ? va_arg(more, unsigned int) : 0;
     va_end(more);
-    if (Fails(ECall::Open, KELO_CALLER)) return -1;
+    if (Fails(ECall::Open, __builtin_return_address(0))) return -1;
     static const auto next = Next<int(const char*, int, ...)>("open64");
     return next(path, flags, mode);
 }
 
 KELO_EXPORT ssize_t read(int descriptor, void* buffer, std::size_t size) {
-    if (Fails(ECall::Read, KELO_CALLER, &size)) return -1;
+    if (Fails(ECall::Read, __builtin_return_address(0), &size)) return -1;
     static const auto next = Next<ssize_t(int, void*, std::size_t)>("read");
     return next(descriptor, buffer, size);
 }
 
 KELO_EXPORT ssize_t write(int descriptor, const void* data, std::size_t size) {
-    if (Fails(ECall::Write, KELO_CALLER, &size)) return -1;
+    if (Fails(ECall::Write, __builtin_return_address(0), &size)) return -1;
     static const auto next = Next<ssize_t(int, const void*, std::size_t)>("write");
     return next(descriptor, data, size);
 }
 
 KELO_EXPORT off64_t lseek64(int descriptor, off64_t offset, int origin) noexcept {
-    if (Fails(ECall::Seek, KELO_CALLER)) return -1;
+    if (Fails(ECall::Seek, __builtin_return_address(0))) return -1;
     static const auto next = Next<off64_t(int, off64_t, int)>("lseek64");
     return next(descriptor, offset, origin);
 }
 
 KELO_EXPORT int ftruncate64(int descriptor, off64_t length) noexcept {
-    if (Fails(ECall::Truncate, KELO_CALLER)) return -1;
+    if (Fails(ECall::Truncate, __builtin_return_address(0))) return -1;
     static const auto next = Next<int(int, off64_t)>("ftruncate64");
     return next(descriptor, length);
 }
@@ -88,54 +86,54 @@ KELO_EXPORT int ftruncate64(int descriptor, off64_t length) noexcept {
 KELO_EXPORT int close(int descriptor) {
     static const auto next = Next<int(int)>("close");
     const int result = next(descriptor);
-    return Fails(ECall::Close, KELO_CALLER) ? -1 : result;
+    return Fails(ECall::Close, __builtin_return_address(0)) ? -1 : result;
 }
 
 KELO_EXPORT DIR* opendir(const char* path) {
-    if (Fails(ECall::OpenDirectory, KELO_CALLER)) return nullptr;
+    if (Fails(ECall::OpenDirectory, __builtin_return_address(0))) return nullptr;
     static const auto next = Next<DIR*(const char*)>("opendir");
     return next(path);
 }
 
 KELO_EXPORT dirent64* readdir64(DIR* directory) {
-    if (Fails(ECall::ReadDirectory, KELO_CALLER)) return nullptr;
+    if (Fails(ECall::ReadDirectory, __builtin_return_address(0))) return nullptr;
     static const auto next = Next<dirent64*(DIR*)>("readdir64");
     return next(directory);
 }
 
 KELO_EXPORT char* realpath(const char* path, char* resolved) noexcept {
-    if (Fails(ECall::ResolvePath, KELO_CALLER)) return nullptr;
+    if (Fails(ECall::ResolvePath, __builtin_return_address(0))) return nullptr;
     static const auto next = Next<char*(const char*, char*)>("realpath");
     return next(path, resolved);
 }
 
 // What realpath becomes where buffers are checked.
 KELO_EXPORT char* __realpath_chk(const char* path, char* resolved, std::size_t /*size*/) noexcept {
-    if (Fails(ECall::ResolvePath, KELO_CALLER)) return nullptr;
+    if (Fails(ECall::ResolvePath, __builtin_return_address(0))) return nullptr;
     static const auto next = Next<char*(const char*, char*)>("realpath");
     return next(path, resolved);
 }
 
 KELO_EXPORT int mkstemp64(char* name) {
-    if (Fails(ECall::MakeTemporary, KELO_CALLER)) return -1;
+    if (Fails(ECall::MakeTemporary, __builtin_return_address(0))) return -1;
     static const auto next = Next<int(char*)>("mkstemp64");
     return next(name);
 }
 
 KELO_EXPORT char* getcwd(char* buffer, std::size_t size) noexcept {
-    if (Fails(ECall::CurrentDirectory, KELO_CALLER)) return nullptr;
+    if (Fails(ECall::CurrentDirectory, __builtin_return_address(0))) return nullptr;
     static const auto next = Next<char*(char*, std::size_t)>("getcwd");
     return next(buffer, size);
 }
 
 KELO_EXPORT int remove(const char* path) noexcept {
-    if (Fails(ECall::RemoveFile, KELO_CALLER)) return -1;
+    if (Fails(ECall::RemoveFile, __builtin_return_address(0))) return -1;
     static const auto next = Next<int(const char*)>("remove");
     return next(path);
 }
 
 KELO_EXPORT int rmdir(const char* path) noexcept {
-    if (Fails(ECall::RemoveDirectory, KELO_CALLER)) return -1;
+    if (Fails(ECall::RemoveDirectory, __builtin_return_address(0))) return -1;
     static const auto next = Next<int(const char*)>("rmdir");
     return next(path);
 }
