@@ -10,12 +10,12 @@ constexpr std::uint64_t kSeed = 0x4B656C6F;
 // Far enough apart that the seeds of one channel are not those of another.
 constexpr std::uint64_t kSeedStep = 1000003;
 
-// A float holds 24 random bits, and the difference of two such numbers, exactly.
-constexpr int kDroppedBits = 8;
-constexpr float kStep = 1.0F / 16777216.0F;
+// Each half of 32 random bits is an evenly spread number.
+constexpr int kHalf = 16;
+constexpr float kStep = 1.0F / (1 << kHalf);
 
-// Four values from 0 to almost 1, in steps of kStep.
-__m128i Uniform(CRandomLanes& random) { return _mm_srli_epi32(random.Next(), kDroppedBits); }
+__m128i Upper(__m128i random) { return _mm_srli_epi32(random, kHalf); }
+__m128i Lower(__m128i random) { return _mm_and_si128(random, _mm_set1_epi32((1 << kHalf) - 1)); }
 
 CRandomLanes SeededFor(std::size_t channel) { return CRandomLanes(kSeed + kSeedStep * channel); }
 
@@ -30,12 +30,14 @@ void CDitherNoise::Restart() {
 }
 
 void CDitherNoise::Refill() {
-    const __m128i middle = _mm_set1_epi32(1 << (31 - kDroppedBits));
+    const __m128i middle = _mm_set1_epi32(1 << (kHalf - 1));
+    CRandomLanes random = m_random;  // stays in registers
     for (std::size_t i = 0; i < kBlock; i += 4) {
-        const __m128i first = Uniform(m_random);
-        const __m128i noise = _mm_sub_epi32(first, m_bRectangular ? middle : Uniform(m_random));
+        const __m128i bits = random.Next();
+        const __m128i noise = _mm_sub_epi32(Upper(bits), m_bRectangular ? middle : Lower(bits));
         _mm_storeu_ps(m_noise.data() + i, _mm_mul_ps(_mm_cvtepi32_ps(noise), _mm_set1_ps(kStep)));
     }
+    m_random = random;
     m_nUsed = 0;
 }
 

@@ -26,6 +26,18 @@ std::vector<CRequantiser<TSample>> MakeRequantisers(const SConversionPlan& plan)
     return requantisers;
 }
 
+bool HasWideIntegers(const SHeldWavFormat& format) {
+    return !HasFloatSamples(format) && format.m_format.nBitsPerSample == 32;
+}
+
+// Whether a float holds what the arithmetic gives: not a 32-bit integer, but all that soxr computes below the very high
+// quality, and any single sample.
+bool FitsFloats(const SConversionPlan& plan) {
+    if (HasWideIntegers(plan.m_to)) return false;
+    if (plan.Resamples()) return plan.m_eQuality != EResamplingQuality::VeryHigh;
+    return !plan.MixesDown() && !HasWideIntegers(plan.m_from);
+}
+
 // The address of each target channel; a single channel serves all.
 template <typename TSample>
 std::array<const TSample*, kMostChannels> Spread(CPlanarBuffer<TSample>& samples) {
@@ -155,9 +167,6 @@ std::uint64_t CSampleConversion<TSample>::GetClippedSamples() const {
 }
 
 std::unique_ptr<CConversion> MakeConversion(const SConversionPlan& plan) {
-    // A float holds all that soxr computes below the very high quality, but not a 32-bit integer.
-    const bool isFine = plan.m_eQuality == EResamplingQuality::VeryHigh ||
-                        (!HasFloatSamples(plan.m_to) && plan.m_to.m_format.nBitsPerSample == 32);
-    if (plan.Resamples() && !isFine) return std::make_unique<CSampleConversion<float>>(plan);
+    if (FitsFloats(plan)) return std::make_unique<CSampleConversion<float>>(plan);
     return std::make_unique<CSampleConversion<double>>(plan);
 }
