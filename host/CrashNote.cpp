@@ -6,6 +6,8 @@
 
 #include <array>
 
+#include "host/Printable.h"
+
 namespace {
 
 constexpr std::array<int, 5> kFatalSignals = {SIGABRT, SIGBUS, SIGFPE, SIGILL, SIGSEGV};
@@ -24,14 +26,6 @@ void TellAndPassOn(int signal, siginfo_t* info, void* /*context*/) {
     }
     // The instruction that failed fails again; a signal that was sent has to be sent again.
     if (info->si_code <= 0) raise(signal);
-}
-
-std::string Printable(std::string text) {
-    for (char& character : text) {
-        const auto byte = static_cast<unsigned char>(character);
-        if (byte < 0x20 || byte == 0x7F) character = '?';
-    }
-    return text;
 }
 
 }  // namespace

@@ -14,6 +14,7 @@
 #include "host/FailureText.h"
 #include "host/Json.h"
 #include "host/PluginListing.h"
+#include "host/Printable.h"
 #include "host/StandardOutput.h"
 #include "host/TimeLimit.h"
 
@@ -33,6 +34,9 @@ std::string Padded(const std::string& text, std::size_t width) {
     return text + std::string(width - std::min(width, text.size()), ' ');
 }
 
+// The texts are the plug-ins' own.
+void PrintLine(const std::string& line) { std::puts(Printable(line).c_str()); }
+
 // The label, and the words behind it in as many lines as they need.
 void PrintWords(const std::string& label, const std::vector<std::string>& words) {
     if (words.empty()) return;
@@ -41,12 +45,12 @@ void PrintWords(const std::string& label, const std::vector<std::string>& words)
     for (std::size_t i = 0; i < words.size(); ++i) {
         const std::string word = words[i] + (i + 1 < words.size() ? ", " : "");
         if (line.size() > begin && line.size() + words[i].size() + 1 > kLineWidth) {
-            std::puts(line.substr(0, line.size() - 1).c_str());
+            PrintLine(line.substr(0, line.size() - 1));
             line.assign(begin, ' ');
         }
         line += word;
     }
-    std::puts(line.c_str());
+    PrintLine(line);
 }
 
 std::vector<std::string> SettingTexts(const std::vector<SSettingReport>& settings) {
@@ -96,7 +100,7 @@ void PrintReports(const std::vector<SComponentReport>& reports) {
     for (const SComponentReport& report : reports) {
         std::string line;
         for (std::size_t i = 0; i < widths.size(); ++i) line += Padded(columns(report)[i], widths[i] + 2);
-        std::puts((line + (report.m_strVendor.empty() ? "-" : report.m_strVendor)).c_str());
+        PrintLine(line + (report.m_strVendor.empty() ? "-" : report.m_strVendor));
         PrintWords("extensions", report.m_extensions);
         PrintWords("protocols", report.m_protocols);
         PrintWords("can", report.m_capabilities);

@@ -3,8 +3,9 @@
 
 #include <strings.h>
 
-#include <filesystem>
 #include <utility>
+
+#include "host/StartDirectory.h"
 
 namespace {
 
@@ -17,4 +18,4 @@ bool BeginsWith(const std::string& text, const std::string& prefix) {
 CSourceName::CSourceName(std::string given)
     : m_strGiven(std::move(given)),
       m_bRemote(BeginsWith(m_strGiven, "http://") || BeginsWith(m_strGiven, "ftp://")),
-      m_strURL(m_bRemote ? m_strGiven : std::filesystem::absolute(m_strGiven).string()) {}
+      m_strURL(m_bRemote ? m_strGiven : FromStart(m_strGiven).string()) {}

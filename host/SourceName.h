@@ -5,7 +5,7 @@
 
 class CSourceName {
 public:
-    // A relative path becomes absolute at once: loading plug-ins changes the current directory for a while.
+    // A relative path becomes absolute at once: plug-ins may change the current directory.
     explicit CSourceName(std::string given);
 
     const std::string& GetGiven() const { return m_strGiven; }

@@ -11,6 +11,7 @@
 
 #include "host/Failure.h"
 #include "host/FailureText.h"
+#include "host/StartDirectory.h"
 
 namespace {
 
@@ -63,7 +64,7 @@ fs::path ParentOf(const std::string& path) { return fs::path(path).parent_path()
 }  // namespace
 
 std::string FileAtTheEndOfLinks(const std::string& given) {
-    fs::path path = fs::absolute(given);
+    fs::path path = FromStart(given);
     for (int i = 0; i <= kMaxLinks; ++i) {
         std::error_code error;
         const fs::path target = fs::read_symlink(path, error);

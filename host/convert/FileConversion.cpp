@@ -15,6 +15,7 @@
 #include "host/FailureText.h"
 #include "host/PluginCall.h"
 #include "host/StandardOutput.h"
+#include "host/StartDirectory.h"
 #include "host/StopSignal.h"
 #include "host/TargetFile.h"
 #include "host/TemporaryFile.h"
@@ -65,7 +66,7 @@ bool IsTrustedLater(const SConvertOptions& options) { return options.m_bSkipExis
 void MakeDirectoryOf(const std::string& output) {
     const fs::path directory = fs::path(output).parent_path();
     std::error_code error;
-    if (!directory.empty()) fs::create_directories(directory, error);
+    if (!directory.empty()) fs::create_directories(FromStart(directory), error);
     if (error) throw CFailure(directory.string(), "no such directory can be made: " + error.message());
 }
 
@@ -102,7 +103,7 @@ SConversionResult ExpectedResult(const SConvertOptions& options, const SPlannedF
     result.m_strInput = file.m_name.GetGiven();
     result.m_strOutput = file.m_strOutput;
     std::error_code error;
-    if (options.m_bSkipExisting && fs::is_regular_file(file.m_strOutput, error)) {
+    if (options.m_bSkipExisting && fs::is_regular_file(FromStart(file.m_strOutput), error)) {
         result.m_eOutcome = EOutcome::Skipped;
     } else if (options.m_bDryRun && !file.m_name.IsRemote() && access(file.m_name.GetURL(), R_OK) != 0) {
         SetFailure(result, CFailure(file.m_name.GetGiven(), SystemErrorText(errno)));

@@ -17,8 +17,9 @@ protected:
     ~CFaultTest() override { EXPECT_EQ(OpenDescriptors(), m_nDescriptors); }
 
     static std::string Content(const std::string& path) {
-        std::ifstream file(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
+        std::string content(std::filesystem::file_size(path), '\0');
+        std::ifstream(path, std::ios::binary).read(content.data(), static_cast<std::streamsize>(content.size()));
+        return content;
     }
 
     CScratchDirectory m_scratch;

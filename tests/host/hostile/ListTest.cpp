@@ -13,7 +13,7 @@ protected:
 
     // The healthy plug-in is listed.
     void ExpectOthers(const SRunResult& result) const {
-        EXPECT_NE(result.m_strOut.find("Scripted Decoder  ScriptedDecoder.so 0"), std::string::npos) << result.m_strOut;
+        EXPECT_NE(result.m_strOut.find("  ScriptedDecoder.so 0  "), std::string::npos) << result.m_strOut;
     }
 
     // What the plug-in itself or the runtime writes to standard error may stand before the line.
@@ -146,6 +146,11 @@ TEST_F(ListBesideHostile, NothingIsLeftAmongTheTemporaryFiles) {
 TEST_F(ListBesideHostile, NullTextsAreLeftOut) {
     UseHostile("NullName");
     ExpectListed("decoder  (no name)         NullName.so 0         -\n");
+}
+
+TEST_F(ListBesideHostile, TextsThatWouldSteerATerminalDoNot) {
+    UseHostile("EscapingName");
+    ExpectListed("decoder  ?[2JFixture?keloaudio: all is well  EscapingName.so 0");
 }
 
 TEST_F(ListBesideHostile, NullExtensionsAreLeftOut) {
