@@ -65,6 +65,18 @@ void Unpack(const unsigned char* packed, std::size_t frames, std::size_t channel
     }
 }
 
+// Compilers turn the one loop into shuffles of several frames.
+template <typename TSample>
+void UnpackFloatPairs(const unsigned char* packed, std::size_t frames, TSample* __restrict left,
+                      TSample* __restrict right) {
+    for (std::size_t i = 0; i < frames; ++i) {
+        float pair[2];
+        std::memcpy(pair, packed + i * sizeof pair, sizeof pair);
+        left[i] = pair[0];
+        right[i] = pair[1];
+    }
+}
+
 template <unsigned kBytes>
 void Pack(const std::int32_t* const* samples, std::size_t frames, std::size_t channels, unsigned char* packed) {
     const std::size_t frameBytes = channels * kBytes;
@@ -103,6 +115,7 @@ void UnpackIntegers(const unsigned char* packed, std::size_t frames, std::size_t
 
 template <typename TSample>
 void UnpackFloats(const unsigned char* packed, std::size_t frames, std::size_t channels, TSample* const* samples) {
+    if (channels == 2) return UnpackFloatPairs(packed, frames, samples[0], samples[1]);
     for (std::size_t channel = 0; channel < channels; ++channel) {
         const unsigned char* from = packed + channel * sizeof(float);
         for (std::size_t i = 0; i < frames; ++i, from += channels * sizeof(float)) {
