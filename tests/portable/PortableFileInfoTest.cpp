@@ -24,3 +24,18 @@ TEST(PortableFileInfo, ACopyIsIndependent) {
     EXPECT_STREQ(copy.m_strName.GetText(), "name");
     EXPECT_EQ(copy.m_lastWriteTime.GetTime(), 5);
 }
+
+TEST(PortableFileInfo, AnAssignedRecordIsIndependent) {
+    CPortableFileInfo info;
+    info.m_strName = "name";
+    info.m_lastWriteTime = 5;
+    info.m_nLength = 7;
+    CPortableFileInfo other;
+    other.m_strName = "before";
+    other = info;
+    info.m_strName = "changed";
+    info.m_lastWriteTime = 6;
+    EXPECT_STREQ(other.m_strName.GetText(), "name");
+    EXPECT_EQ(other.m_lastWriteTime.GetTime(), 5);
+    EXPECT_EQ(other.m_nLength, 7);
+}
