@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <list>
 #include <system_error>
 
 #include "host/Failure.h"
@@ -18,6 +19,9 @@
 namespace {
 
 namespace fs = std::filesystem;
+
+// The kernel's limit, path_resolution(7).
+constexpr int kMaxLinks = 40;
 
 constexpr const char* kWayOut = " (--trust-plugins loads them all the same)";
 
@@ -58,19 +62,36 @@ void RequireTrusted(const fs::path& path, bool allowSticky) {
     throw CFailure(path, "plug-ins are not safe there: " + reason, kWayOut);
 }
 
-void RequireTrustedAbove(const fs::path& resolved) {
-    for (fs::path above = resolved.parent_path();; above = above.parent_path()) {
-        RequireTrusted(above, true);
-        if (above == above.root_path()) return;
+void RequireTrustedLink(const fs::path& path, const struct stat& entry) {
+    if (entry.st_uid == 0 || entry.st_uid == geteuid()) return;
+    throw CFailure(path, "plug-ins are not safe there: it belongs to " + OwnerText(entry.st_uid), kWayOut);
+}
+
+// Goes from `reached`, which has no links in it, along `path` as the kernel does, path_resolution(7): whoever can
+// replace a directory or turn a link on the way decides what is at its end.
+void RequireTrustedWay(fs::path reached, const fs::path& path) {
+    std::list<fs::path> left(path.begin(), path.end());
+    for (int links = 0; !left.empty() && links <= kMaxLinks;) {
+        const fs::path next = (reached / left.front()).lexically_normal();
+        left.pop_front();
+        struct stat entry = {};
+        if (lstat(next.c_str(), &entry) != 0) return;  // nothing is there
+        if (S_ISLNK(entry.st_mode)) {
+            RequireTrustedLink(next, entry);
+            const fs::path target = fs::read_symlink(next);
+            left.insert(left.begin(), target.begin(), target.end());
+            ++links;
+            continue;
+        }
+        if (S_ISDIR(entry.st_mode)) RequireTrusted(next, true);
+        reached = next;
     }
 }
 
-void RequireTrustedFile(const fs::directory_entry& entry) {
+void RequireTrustedFile(const fs::path& directory, const fs::directory_entry& entry) {
     RequireTrusted(entry.path(), false);
     std::error_code error;
-    if (!entry.is_symlink(error)) return;
-    const fs::path resolved = fs::canonical(entry.path(), error);
-    if (!error) RequireTrustedAbove(resolved);
+    if (entry.is_symlink(error)) RequireTrustedWay(directory, entry.path().filename());
 }
 
 }  // namespace
@@ -80,8 +101,8 @@ void RequireTrustedPlugins(const std::string& directory, bool belongsToProgram) 
     const fs::path resolved = fs::canonical(directory, error);
     if (error) return;  // whoever reads the directory has better words for it
     RequireTrusted(resolved, false);
-    if (!belongsToProgram) RequireTrustedAbove(resolved);
+    if (!belongsToProgram) RequireTrustedWay("/", fs::absolute(directory));
     for (const fs::directory_entry& entry : fs::directory_iterator(resolved, error)) {
-        if (!entry.is_directory(error)) RequireTrustedFile(entry);
+        if (!entry.is_directory(error)) RequireTrustedFile(resolved, entry);
     }
 }

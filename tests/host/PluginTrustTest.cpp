@@ -91,6 +91,31 @@ TEST_F(PluginTrust, LinkedPluginIsJudgedWhereItIs) {
     ExpectRefused(Plugin(), "everybody may write to it");
 }
 
+TEST_F(PluginTrust, EveryLinkOnTheWayIsJudged) {
+    if (geteuid() != 0) GTEST_SKIP() << "only root gives files to others";
+    const std::string elsewhere = m_scratch / "elsewhere";
+    std::filesystem::create_directory(elsewhere);
+    std::filesystem::rename(Plugin(), m_scratch / "real.so");
+    std::filesystem::create_symlink("../real.so", elsewhere + "/hop.so");
+    std::filesystem::create_symlink("../elsewhere/hop.so", Plugin());
+    ExpectTrusted();
+    SetMode(elsewhere, 0777);
+    ExpectRefused(elsewhere, "everybody may write to it");
+    SetMode(elsewhere, 01777);
+    ExpectTrusted();
+    ASSERT_EQ(lchown((elsewhere + "/hop.so").c_str(), kNobody, 0), 0);
+    ExpectRefused(elsewhere + "/hop.so", "it belongs to nobody");
+}
+
+TEST_F(PluginTrust, LinkToTheDirectoryIsJudgedWhereItIs) {
+    const std::string open = m_scratch / "open";
+    std::filesystem::create_directory(open);
+    std::filesystem::create_directory_symlink(PluginDirectory(), open + "/link");
+    EXPECT_EQ(Run({"list", "--plugins", open + "/link"}).m_nExit, 0);
+    SetMode(open, 0777);
+    ExpectFailure(Run({"list", "--plugins", open + "/link"}), {open + ": plug-ins are not safe there"});
+}
+
 TEST_F(PluginTrust, LinkedDirectoryIsJudgedWhereItIs) {
     const std::string link = m_scratch / "link";
     std::filesystem::create_directory_symlink(PluginDirectory(), link);
