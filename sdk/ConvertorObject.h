@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <stdexcept>
 #include <utility>
 #include <vector>
 
@@ -53,18 +54,19 @@ private:
     static constexpr int kFailed = -1;
 
     void Feed(const unsigned char* data, std::size_t bytes) {
-        if (m_bEnded) Restart();
-        // Left standing by a failure: the stream is broken and the next bytes begin a new one.
-        m_bEnded = true;
+        if (m_bEnded || m_bBroken) Restart();
+        // Left standing by a failure; the next bytes begin a new stream.
+        m_bBroken = true;
         const std::size_t used = CompletePartialFrame(data, bytes);
         const std::size_t frames = (bytes - used) / m_nInputBytes;
         if (frames > 0) m_conversion->Write(data + used, static_cast<std::int64_t>(frames), m_queue);
         const std::size_t rest = used + frames * m_nInputBytes;
         m_vPartialFrame.insert(m_vPartialFrame.end(), data + rest, data + bytes);
-        m_bEnded = false;
+        m_bBroken = false;
     }
 
     void Restart() {
+        m_bEnded = false;
         m_queue.Clear();
         m_vPartialFrame.clear();
         m_conversion->Restart();
@@ -84,8 +86,11 @@ private:
 
     void FinishInput() {
         m_bEnded = true;
+        if (m_bBroken) throw std::runtime_error("the stream is broken by an earlier failure");
         const std::int64_t frames = m_allowance.TailFrames(m_nLastInput);
+        m_bBroken = true;
         if (m_queue.Size() < static_cast<std::size_t>(frames) * m_nOutputBytes) m_conversion->Finish(frames, m_queue);
+        m_bBroken = false;
         HandOut(frames);
     }
 
@@ -103,6 +108,7 @@ private:
     std::vector<unsigned char> m_vPartialFrame;
     int m_nLastInput = 0;  // bytes of the last call that had any
     bool m_bEnded = false;
+    bool m_bBroken = false;  // by a failure
     int m_nLength = 0;
     unsigned char* m_pData = nullptr;
 };

@@ -45,14 +45,19 @@ public:
     // Throws for an unknown name, and for a value that a list of values such as "quick|high" does not hold.
     void Set(const char* name, const std::string& value) {
         const SSetting& setting = Require(name);
-        if (setting.m_strValues.find('|') != std::string::npos &&
-            ("|" + setting.m_strValues + "|").find("|" + value + "|") == std::string::npos) {
+        if (!Takes(setting, value)) {
             Refuse("no " + setting.m_strName + " \"" + value + "\"; it takes " + setting.m_strValues);
         }
         m_vSettings[static_cast<std::size_t>(&setting - m_vSettings.data())].m_strValue = value;
     }
 
 private:
+    static bool Takes(const SSetting& setting, const std::string& value) {
+        const bool isList = setting.m_strValues.find('|') != std::string::npos;
+        return !isList || (value.find('|') == std::string::npos &&
+                           ("|" + setting.m_strValues + "|").find("|" + value + "|") != std::string::npos);
+    }
+
     const SSetting& Require(const char* name) const {
         if (name == nullptr) throw CBadArgument();
         if (const SSetting* const found = Find(name)) return *found;

@@ -3,10 +3,11 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 
 // Bytes of the UTF-8 sequence at `at` (RFC 3629), 0 when there is none.
-inline std::size_t Utf8SequenceLength(const std::string& text, std::size_t at) {
-    const auto byte = [&text](std::size_t i) -> unsigned {
+inline std::size_t Utf8SequenceLength(std::string_view text, std::size_t at) {
+    const auto byte = [text](std::size_t i) -> unsigned {
         return i < text.size() ? static_cast<unsigned char>(text[i]) : 0u;
     };
     const auto follows = [&byte](std::size_t i, unsigned low, unsigned high) {
@@ -23,7 +24,7 @@ inline std::size_t Utf8SequenceLength(const std::string& text, std::size_t at) {
 }
 
 // Whether all of the text is.
-inline bool IsUtf8(const std::string& text) {
+inline bool IsUtf8(std::string_view text) {
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t length = Utf8SequenceLength(text, at);
         if (length == 0) return false;

@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "plugins/curl/FileDescriptor.h"
+#include "plugins/shared/FileDescriptor.h"
 #include "plugins/curl/PrivateDirectory.h"
 
 // A file in a folder of its own, so that it can have any name. The destructor removes both unless they are kept.

@@ -8,6 +8,7 @@
 #include "plugins/curl/AudioTypes.h"
 #include "plugins/curl/ContentDisposition.h"
 #include "plugins/curl/URLText.h"
+#include "sdk/Utf8.h"
 
 namespace {
 
@@ -34,29 +35,21 @@ bool IsPage(std::string_view extension) {
     return std::find(std::begin(kPages), std::end(kPages), LowerCase(extension)) != std::end(kPages);
 }
 
-// Bytes of the well-formed UTF-8 sequence at the front, 0 when there is none (RFC 3629, 4).
-std::size_t SequenceLength(std::string_view text) {
-    const auto byte = [&](std::size_t i) { return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U; };
-    const unsigned int first = byte(0);
-    const std::size_t length = first < 0x80 ? 1 : first < 0xC2 ? 0 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
-    if (first > 0xF4) return 0;
-    // Neither a longer form than needed, nor a surrogate, nor beyond the last code point.
-    const unsigned int least = first == 0xE0 ? 0xA0 : first == 0xF0 ? 0x90 : 0x80;
-    const unsigned int most = first == 0xED ? 0x9F : first == 0xF4 ? 0x8F : 0xBF;
-    for (std::size_t i = 1; i < length; ++i) {
-        if (byte(i) < (i == 1 ? least : 0x80) || byte(i) > (i == 1 ? most : 0xBF)) return 0;
-    }
-    return length;
+// What changes how a terminal or a list shows the rest: control characters of ASCII, those of ISO 6429's C1 set, and
+// the marks of Unicode's bidirectional algorithm (UAX #9, 2) that override, embed or isolate.
+bool IsControl(std::string_view sequence) {
+    const auto lead = static_cast<unsigned char>(sequence.front());
+    if (sequence.size() == 1) return lead < 0x20 || lead == 0x7F;
+    if (sequence.size() == 2) return lead == 0xC2 && sequence[1] < '\xA0';
+    return (sequence >= "\u202A" && sequence <= "\u202E") || (sequence >= "\u2066" && sequence <= "\u2069");
 }
-
-bool IsControl(char character) { return static_cast<unsigned char>(character) < 0x20 || character == 0x7F; }
 
 // Without slashes, control characters and malformed text; not too long, and not hidden.
 std::string Presentable(std::string_view text) {
     std::string clean;
     while (!text.empty()) {
-        const std::size_t length = SequenceLength(text);
-        const bool isGood = length > 0 && text.front() != '/' && !IsControl(text.front());
+        const std::size_t length = Utf8SequenceLength(text, 0);
+        const bool isGood = length > 0 && text.front() != '/' && !IsControl(text.substr(0, length));
         if (clean.size() + length > kLongestStem) break;
         clean += isGood ? text.substr(0, length) : "_";
         text.remove_prefix(std::max<std::size_t>(length, 1));

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "plugins/curl/FileDescriptor.h"
+#include "plugins/shared/FileDescriptor.h"
 
 // Nobody but the user can look into it (mode 0700). Removed with everything in it by the destructor, unless somebody
 // else has removed or replaced it by then. [any thread]

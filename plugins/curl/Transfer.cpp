@@ -100,6 +100,7 @@ std::string CTransfer::WhyNotWhole() const {
     const bool isWhole = answer >= 200 && answer < 300 && answer != 206;  // RFC 9110, 15.3.7: 206 is a part
     if (!IsFtp(url) && !isWhole) return "the server answered " + std::to_string(answer) + " without the file";
     if (IsFtp(url) && LastSegment(url).empty()) return "a directory and not a file";
+    if (IsListingOrText(url)) return "a transfer of another type than \";type=i\"";
     return m_download.Size() == 0 ? "the file is empty" : "";
 }
 

@@ -42,12 +42,24 @@ std::string_view PathOf(std::string_view url) {
 }
 
 // "song.au;type=i" is the name of song.au and a way to transfer it (RFC 1738, 3.2.2).
-std::string_view WithoutTransferType(std::string_view segment) {
+struct STypedSegment {
+    std::string_view m_name;
+    char m_nType = 'i';  // in lower case
+};
+
+STypedSegment SplitTransferType(std::string_view segment) {
     constexpr std::string_view kMark = ";type=";
     const std::size_t length = kMark.size() + 1;
-    if (segment.size() < length) return segment;
+    if (segment.size() < length) return {segment};
     const std::size_t begin = segment.size() - length;
-    return LowerCase(segment.substr(begin, kMark.size())) == kMark ? segment.substr(0, begin) : segment;
+    const std::string suffix = LowerCase(segment.substr(begin));
+    return suffix.substr(0, kMark.size()) == kMark ? STypedSegment{segment.substr(0, begin), suffix.back()}
+                                                   : STypedSegment{segment};
+}
+
+std::string_view LastSegmentAsItIs(std::string_view url) {
+    const std::string_view path = PathOf(url);
+    return path.substr(path.rfind('/') + 1);
 }
 
 }  // namespace
@@ -77,9 +89,12 @@ std::string PercentDecoded(std::string_view text) {
 }
 
 std::string LastSegment(std::string_view url) {
-    const std::string_view path = PathOf(url);
-    const std::string_view segment = path.substr(path.rfind('/') + 1);
-    return PercentDecoded(IsFtp(url) ? WithoutTransferType(segment) : segment);
+    const std::string_view segment = LastSegmentAsItIs(url);
+    return PercentDecoded(IsFtp(url) ? SplitTransferType(segment).m_name : segment);
+}
+
+bool IsListingOrText(std::string_view url) {
+    return IsFtp(url) && SplitTransferType(LastSegmentAsItIs(url)).m_nType != 'i';
 }
 
 std::string HostOf(std::string_view url) {

@@ -13,6 +13,9 @@ std::string PercentDecoded(std::string_view text);
 // What stands behind the last slash of the path, decoded; empty for a path that ends with it.
 std::string LastSegment(std::string_view url);
 
+// Whether an FTP URL asks for a directory's names or for text with its line ends changed, by ";type=d" or ";type=a".
+bool IsListingOrText(std::string_view url);
+
 // Without the port.
 std::string HostOf(std::string_view url);
 

@@ -3,11 +3,11 @@
 
 #include <algorithm>
 
-std::vector<std::uint64_t> ChapterStartsOf(const AVFormatContext& context, int sampleRate) {
+std::vector<std::uint64_t> ChapterStartsOf(const AVFormatContext& context, int sampleRate, std::int64_t begin) {
     std::vector<std::uint64_t> starts;
     for (unsigned int i = 0; i < context.nb_chapters; ++i) {
         const AVChapter& chapter = *context.chapters[i];
-        const std::int64_t start = av_rescale_q(chapter.start, chapter.time_base, {1, sampleRate});
+        const std::int64_t start = av_rescale_q(chapter.start, chapter.time_base, {1, sampleRate}) - begin;
         starts.push_back(static_cast<std::uint64_t>(std::max<std::int64_t>(start, 0)));
     }
     std::sort(starts.begin(), starts.end());

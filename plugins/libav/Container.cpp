@@ -85,6 +85,10 @@ std::int64_t CContainer::DurationWithoutEdits(std::shared_ptr<const CInputFile> 
 
 void CContainer::Recognise() {
     const int score = av_probe_input_buffer2(m_context->pb, &m_pDemuxer, "", m_context.get(), 0, 0);
+    if (score < 0 && m_context->pb->error == AVERROR(ENOMEM)) throw std::bad_alloc();
+    if (score < 0 && m_context->pb->error < 0 && m_context->pb->error != AVERROR_EOF) {
+        Refuse("not readable: " + LibavReason(m_context->pb->error));
+    }
     // By fewer points random bytes pass for audio.
     if (score < AVPROBE_SCORE_RETRY || m_pDemuxer == nullptr) Refuse("not readable as audio: unknown format");
     m_pFormat = FindKnownFormat(*m_pDemuxer);

@@ -16,6 +16,16 @@ std::string FormatText(const SWavFormat& format) {
     return std::to_string(format.nSampleRate) + " Hz with " + std::to_string(format.nChannels) + " channels";
 }
 
+// By the first block's timestamp; 0 where that may be the rounding of the container or of the encoder's delay.
+std::int64_t BeginOf(const CPositionedTrack& track) {
+    constexpr std::int64_t kRoundingPerSecond = 20;
+    const AVFrame& block = track.Block();
+    if (block.pts == AV_NOPTS_VALUE) return 0;
+    const std::int64_t begin =
+        av_rescale_q(block.pts, track.Track().Container().Stream().time_base, {1, block.sample_rate});
+    return begin > block.sample_rate / kRoundingPerSecond ? begin : 0;
+}
+
 }  // namespace
 
 CLibavSound::CLibavSound(const std::string& path, EAudioFeature level)
@@ -23,6 +33,7 @@ CLibavSound::CLibavSound(const std::string& path, EAudioFeature level)
       m_track(m_file),
       m_nSampleFormat(m_track.Block().format),
       m_format(OutputFormatOf(m_track.Track().Codec(), m_track.Block(), level)),
+      m_nBegin(BeginOf(m_track)),
       m_length(LengthOf(m_file, m_track)) {}
 
 std::int64_t CLibavSound::Read(unsigned char* buffer, std::int64_t frames) {
@@ -142,5 +153,9 @@ STags CLibavSound::GetTags() const {
 }
 
 std::vector<std::uint64_t> CLibavSound::GetIndexPoints() const {
-    return ChapterStartsOf(m_track.Track().Container().Context(), m_format.m_format.nSampleRate);
+    std::vector<std::uint64_t> points =
+        ChapterStartsOf(m_track.Track().Container().Context(), m_format.m_format.nSampleRate, m_nBegin);
+    const auto isBehind = [this](std::uint64_t point) { return m_length.m_nFrames != 0 && point > GetLength(); };
+    points.erase(std::remove_if(points.begin(), points.end(), isBehind), points.end());
+    return points;
 }

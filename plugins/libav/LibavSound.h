@@ -48,6 +48,7 @@ private:
     CPositionedTrack m_track;
     int m_nSampleFormat;  // of the codec
     SHeldWavFormat m_format;
+    std::int64_t m_nBegin;  // time of the first frame in the file, in frames
     SSoundLength m_length;
     std::int64_t m_nPosition = 0;
     bool m_bPlaceLost = false;  // the track is not at the position

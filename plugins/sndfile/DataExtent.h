@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "plugins/sndfile/FileBytes.h"
+#include "plugins/shared/FileBytes.h"
 
 struct SDataExtent {
     std::uint64_t m_nDeclared;  // 0 where the header does not know

@@ -1,7 +1,7 @@
 // The frame that tells the length of an MPEG Layer III file.
 #include "plugins/sndfile/InfoFrame.h"
 
-#include "plugins/sndfile/FileBytes.h"
+#include "plugins/shared/FileBytes.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "plugins/sndfile/FileBytes.h"
+#include "plugins/shared/FileBytes.h"
 #include "plugins/sndfile/MpegHeader.h"
 
 // Where the first frame lies.

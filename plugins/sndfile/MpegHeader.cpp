@@ -1,7 +1,7 @@
 // The header of an MPEG audio frame.
 #include "plugins/sndfile/MpegHeader.h"
 
-#include "plugins/sndfile/FileBytes.h"
+#include "plugins/shared/FileBytes.h"
 
 namespace {
 

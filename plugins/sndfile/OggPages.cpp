@@ -42,17 +42,17 @@ std::optional<SPage> PageAt(CFileBytes& file, std::uint64_t at) {
                  !lacing.empty() && lacing.back() == '\xFF'};
 }
 
-// From `at` on; the end of the file when there is none.
-std::uint64_t FindCapture(CFileBytes& file, std::uint64_t at) {
-    while (at < file.Size() && file.At(at, 4) != "OggS") ++at;
+// From `at` on; `limit` when there is none before.
+std::uint64_t FindCapture(CFileBytes& file, std::uint64_t at, std::uint64_t limit) {
+    while (at < limit && file.At(at, 4) != "OggS") ++at;
     return at;
 }
 
-// A page that another one or the end of the file follows: no chance find.
-std::uint64_t FindPage(CFileBytes& file, std::uint64_t at) {
+// A page that another one or the end of the file follows: no chance find. `limit` when it does not begin below that.
+std::uint64_t FindPage(CFileBytes& file, std::uint64_t at, std::uint64_t limit) {
     for (;; ++at) {
-        at = FindCapture(file, at);
-        if (at >= file.Size()) return at;
+        at = FindCapture(file, at, limit);
+        if (at >= limit) return limit;
         const auto page = PageAt(file, at);
         if (page && (page->m_nEnd >= file.Size() || file.At(page->m_nEnd, 4) == "OggS")) return at;
     }
@@ -80,7 +80,8 @@ bool StartsAnew(CFileBytes& file, std::uint64_t serial) {
     constexpr std::uint64_t kProbes = 8;
     std::uint64_t before = 0;
     for (std::uint64_t probe = 0; probe < kProbes; ++probe) {
-        const auto page = PageAt(file, FindPage(file, file.Size() * probe / kProbes));
+        const std::uint64_t from = file.Size() * probe / kProbes;
+        const auto page = PageAt(file, FindPage(file, from, std::min(file.Size(), from + 2 * kMostPageBytes)));
         if (!page || page->m_nSerial != serial) continue;
         if (page->m_nNumber < before) return true;
         before = page->m_nNumber;
@@ -96,11 +97,11 @@ SOggEnd FindOggEnd(CFileBytes& file) {
     SOggEnd end;
     std::optional<SPage> last;
     std::optional<SPage> lastMarked;
-    for (std::uint64_t at = FindPage(file, from); at < size;) {
+    for (std::uint64_t at = FindPage(file, from, size); at < size;) {
         const auto page = PageAt(file, at);
         if (page && page->m_nEnd > size) break;
         if (!page) {
-            at = FindPage(file, at + 1);
+            at = FindPage(file, at + 1, size);
             continue;
         }
         if (page->m_nGranule != kNoGranule) {

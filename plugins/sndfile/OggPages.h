@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "plugins/sndfile/FileBytes.h"
+#include "plugins/shared/FileBytes.h"
 
 struct SOggEnd {
     std::uint64_t m_nAt = 0;      // behind the last whole page, 0 without any

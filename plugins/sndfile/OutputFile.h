@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "plugins/sndfile/FileDescriptor.h"
+#include "plugins/shared/FileDescriptor.h"
 #include "plugins/sndfile/SndFileHandle.h"
 
 // Owns the file and the codec's handle, and keeps the first error of the system. The codec does not learn of it: some

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "plugins/sndfile/ChannelOrder.h"
-#include "plugins/sndfile/FileDescriptor.h"
+#include "plugins/shared/FileDescriptor.h"
 #include "plugins/sndfile/FileSurvey.h"
 #include "plugins/sndfile/SndFileHandle.h"
 

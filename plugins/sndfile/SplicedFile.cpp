@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "plugins/sndfile/FileBytes.h"
+#include "plugins/shared/FileBytes.h"
 
 CSplicedFile::CSplicedFile(int descriptor, SSplice splice)
     : m_nDescriptor(descriptor),

@@ -43,6 +43,10 @@ std::string WhyNotConvertible(const SHeldWavFormat& from, const SHeldWavFormat& 
                    " bits, only of 32";
         }
     }
+    if (source.nChannels > kMostChannels || target.nChannels > kMostChannels) {
+        return CannotMap(source.nChannels, " channels", target.nChannels) + "; there may be at most " +
+               std::to_string(kMostChannels);
+    }
     if (!AreMappedChannels(source.nChannels, target.nChannels)) {
         return CannotMap(source.nChannels, " channels", target.nChannels) +
                "; channels are kept, mixed down to 2 or 1, " + "or doubled from 1 to 2";

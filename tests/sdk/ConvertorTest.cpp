@@ -134,6 +134,21 @@ TEST_F(SdkConvertor, FailureFailsWhoeverDrivesItAndTheNextBytesBeginANewStream) 
     EXPECT_FALSE(convertor->Convert(bad.data(), -1, 0, nullptr));
 }
 
+TEST_F(SdkConvertor, NothingOfABrokenStreamIsHandedOutAtItsEnd) {
+    const auto convertor = Create();
+    Convert(*convertor, {1, 2, 3, 4, 5, 6});
+    CBytes bad{255, 0, 0};
+    EXPECT_FALSE(convertor->Convert(bad.data(), 3, 0, nullptr));
+    for (int i = 0; i < 2; ++i) {
+        CComPtr<IStatus> status;
+        EXPECT_FALSE(convertor->Convert(nullptr, 0, 0, status.Out()));
+        EXPECT_STREQ(TextOf(status), "the stream is broken by an earlier failure");
+        EXPECT_EQ(convertor->GetOutputLength(), -1);
+    }
+    EXPECT_EQ(Convert(*convertor, {7, 8, 9}), CBytes{});
+    EXPECT_EQ(Tail(*convertor), (CBytes{7, 8, 9}));
+}
+
 TEST_F(SdkConvertor, BytesAfterTheEndBeginANewStream) {
     const auto convertor = Create();
     Convert(*convertor, {1, 2, 3, 9});

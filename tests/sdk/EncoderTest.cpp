@@ -182,6 +182,8 @@ TEST_F(SdkEncoder, SettingsReachTheFile) {
     CComPtr<IStatus> status;
     EXPECT_FALSE(settings->SetSetting("speed", "s", status.Out()));
     EXPECT_STREQ(TextOf(status), "some.mem: no speed \"s\"; it takes slow|fast");
+    EXPECT_FALSE(settings->SetSetting("speed", "slow|fast", status.Out()));
+    EXPECT_STREQ(TextOf(status), "some.mem: no speed \"slow|fast\"; it takes slow|fast");
     EXPECT_FALSE(settings->SetSetting("level", "12", status.Out()));
     EXPECT_STREQ(TextOf(status), "some.mem: no level 12");
     EXPECT_FALSE(settings->SetSetting("width", "12", status.Out()));

@@ -16,6 +16,11 @@ TEST(FileName, IsTheLastSegmentOfTheURL) {
 
 TEST(FileName, HasNoSlashesNorControlCharacters) {
     EXPECT_EQ(NameFor("http://host/a%2Fb%0a%00%7Fc.mp3"), "a_b___c.mp3");
+    EXPECT_EQ(NameFor("http://host/a%C2%80b%C2%9Bc%C2%A0.mp3"), "a_b_c\u00A0.mp3");
+}
+
+TEST(FileName, DoesNotTurnTheRestAround) {
+    EXPECT_EQ(NameFor("http://host/a%E2%80%AEb%E2%81%A6c%E2%80%AF%E2%81%A5.mp3"), "a_b_c\u202F\u2065.mp3");
 }
 
 TEST(FileName, IsNotHidden) {

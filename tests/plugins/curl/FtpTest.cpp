@@ -36,6 +36,12 @@ TEST_F(FtpFetch, DecodesTheName) {
 
 TEST_F(FtpFetch, LeavesTheTransferTypeOutOfTheName) { EXPECT_EQ(NameOfFetched(Ftp("song.flac;type=i")), "song.flac"); }
 
+TEST_F(FtpFetch, OfAListingOrATextIsRefused) {
+    for (const char* const type : {";type=d", ";type=A"}) {
+        EXPECT_EQ(Refusal(Ftp(std::string("song.flac") + type)), "a transfer of another type than \";type=i\"");
+    }
+}
+
 TEST_F(FtpFetch, OfAMissingFileIsRefused) { EXPECT_EQ(Refusal(Ftp("none.flac")), "The file does not exist"); }
 
 TEST_F(FtpFetch, OfAnEmptyFileIsRefused) {

@@ -16,6 +16,9 @@ const std::string kZeros(200, '\0');
 
 std::string Text(const char* bytes, std::size_t count) { return std::string(bytes, count); }
 
+const std::string kWholeRiff = "RIFF" + Text("d\0\0\0", 4) + kZeros.substr(0, 100);
+const std::string kBox = Text("\0\0\0\x10", 4) + "ftypM4A 0000";
+
 // A size of 100 behind a header of `start`.
 const SFileWithEnd kFiles[] = {
     {"a whole RIFF file", "RIFF" + Text("d\0\0\0", 4) + kZeros.substr(0, 100), false},
@@ -42,6 +45,13 @@ const SFileWithEnd kFiles[] = {
     {"Matroska with nonsense behind its header", Text("\x1A\x45\xDF\xA3\x84", 5) + "0000" + kZeros, false},
     {"Matroska that ends in a size", Text("\x1A\x45\xDF\xA3\x84", 5) + "0000" + Text("\x18\x53\x80\x67\x01\x00", 6),
      true},
+    {"RIFF and a byte", kWholeRiff + "\n", false},
+    {"RIFF and two bytes", kWholeRiff + "RI", false},
+    {"RIFF and the beginning of a size", kWholeRiff + "RIFFd", false},
+    {"boxes and a byte", kBox + "\n", false},
+    {"boxes and three bytes", kBox + Text("\0\0\0", 3), false},
+    {"boxes and the beginning of one with a long size", kBox + Text("\0\0\0\1mda", 7), false},
+    {"boxes and the beginning of a long size", kBox + Text("\0\0\0\1mdat\0", 9), false},
     {"another format", "fLaC" + kZeros, false},
     {"a single byte", "R", false},
 };

@@ -81,6 +81,16 @@ TEST(LibavChapters, BecomeIndexPoints) {
     }
 }
 
+TEST(LibavChapters, AreCountedFromTheBeginningOfTheSound) {
+    CScratchDirectory scratch;
+    const std::string chapters = scratch.Write("chapters",
+                                               ";FFMETADATA1\n[CHAPTER]\nTIMEBASE=1/1000\nSTART=500\nEND=1000\n"
+                                               "[CHAPTER]\nTIMEBASE=1/1000\nSTART=1000\nEND=2500\n");
+    RunTool("ffmpeg -itsoffset 0.5 -i " + Media("source.wav") + " -i " + chapters + " -map_chapters 1 -c:a flac " +
+            scratch / "x.mka");
+    EXPECT_EQ(IndexOf(scratch / "x.mka"), (std::vector<std::uint64_t>{0, 22050, kNoIndexPoint}));
+}
+
 TEST(LibavChapters, FileWithoutThemHasNoIndex) { EXPECT_TRUE(IndexOf(Media("alac.m4a")).empty()); }
 
 TEST(LibavTrack, OneThatIsMeantForEverybodyIsChosen) {

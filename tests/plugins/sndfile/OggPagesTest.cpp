@@ -1,7 +1,7 @@
 // Where the pages of an Ogg file end, on pages made by hand.
 #include <fcntl.h>
 
-#include "plugins/sndfile/FileDescriptor.h"
+#include "plugins/shared/FileDescriptor.h"
 #include "plugins/sndfile/OggPages.h"
 #include "tests/plugins/sndfile/AudioFiles.h"
 #include "tests/support/ScratchDirectory.h"

@@ -50,6 +50,13 @@ TEST(SoxrRefusal, SaysWhichChannelsCanBeMapped) {
                  "cannot map 2 channels to 6; channels are kept, mixed down to 2 or 1, or doubled from 1 to 2");
 }
 
+TEST(SoxrRefusal, SaysHowManyChannelsThereMayBe) {
+    const CPluginUnderTest plugin;
+    CComPtr<IStatus> status;
+    EXPECT_FALSE(plugin.Create(Held(44100, 16, 9), Held(44100, 16, 9), status.Out()));
+    EXPECT_STREQ(status->GetDescription(), "cannot map 9 channels to 9; there may be at most 8");
+}
+
 TEST(SoxrRefusal, WorksWithoutAStatus) {
     const CPluginUnderTest plugin;
     EXPECT_FALSE(plugin.Create(Held(44100, 16, 2), Held(44100, 16, 6)));

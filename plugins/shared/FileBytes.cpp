@@ -1,5 +1,5 @@
 // Bytes of an open file by offset, for a look at its headers.
-#include "plugins/sndfile/FileBytes.h"
+#include "plugins/shared/FileBytes.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
