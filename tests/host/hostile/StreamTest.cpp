@@ -14,6 +14,7 @@
 #include "stream/RawWriter.h"
 #include "stream/SourceDetails.h"
 #include "stream/URLAudioTargetFactory.h"
+#include "tests/support/ExpectedLeaks.h"
 #include "tests/support/ManagerHold.h"
 #include "tests/support/ScratchDirectory.h"
 
@@ -175,6 +176,7 @@ INSTANTIATE_TEST_SUITE_P(Library, ThrowingOperation,
 TEST(HostilePlugins, ARefusalToFinishKeepsThemLoadedAndNothingLocked) {
     const CScratchDirectory directory;
     std::filesystem::create_symlink(KELO_HOSTILE_FIXTURE, directory.Path() / "NeverReady.so");
+    const CExpectedLeaks leaks;  // the library never gets unloaded
     CHost host(directory.Path().string());
     EXPECT_EQ(host.Run(), "fine");
     EXPECT_FALSE(host.Unload());
