@@ -19,9 +19,15 @@
 
 namespace {
 
-// Signals as a fresh program has them: the one that asks this program to stop only leaves a mark.
+// Signals as a fresh program has them: the one that asks this program to stop only leaves a mark, and what was ignored
+// when this program began stays so.
 void ResetSignals() {
-    for (int number = 1; number < NSIG; ++number) signal(number, SIG_DFL);
+    for (int number = 1; number < NSIG; ++number) {
+        struct sigaction action = {};
+        sigaction(number, nullptr, &action);
+        const bool ignoredHere = number == SIGXFSZ || number == SIGPIPE;
+        if (action.sa_handler != SIG_IGN || ignoredHere) signal(number, SIG_DFL);
+    }
     sigset_t none;
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);

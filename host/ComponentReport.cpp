@@ -39,14 +39,6 @@ std::string TypeText(EAudioComponentType type) {
 
 std::string TextOf(const char* text) { return text != nullptr ? text : ""; }
 
-// A count beyond it is a lie, and following it would take all memory.
-constexpr int kMostEntries = 10000;
-
-void RequireCount(int count, const char* what) {
-    if (count >= 0 && count <= kMostEntries) return;
-    throw CFailure("impossible count", std::to_string(count) + " " + what);
-}
-
 std::vector<SSettingReport> SettingsOf(IUnknown* object) {
     std::vector<SSettingReport> reports;
     const auto settings = CComPtr<INamedSettings>::Query(object, IID_INamedSettings);
@@ -58,11 +50,6 @@ std::vector<SSettingReport> SettingsOf(IUnknown* object) {
         if (!name.empty()) reports.push_back({name, values, TextOf(settings->GetSetting(name.c_str()))});
     }
     return reports;
-}
-
-void RequireExtensionCount(IAudioComponent& component) {
-    const auto list = CComPtr<IExtensionList>::Query(&component, IID_IExtensionList);
-    if (list) RequireCount(list->GetCount(), "extensions");
 }
 
 std::vector<std::string> TagsOf(IAudioTarget* target) {
@@ -152,7 +139,6 @@ SComponentReport ReportOn(const CPluginSession& session, IAudioComponent& compon
     SComponentPlace place = PlaceOf(session, component);
     report.m_strFile = std::move(place.m_strFile);
     report.m_nIndex = place.m_nIndex;
-    RequireExtensionCount(component);
     report.m_extensions = ExtensionsOf(component);
     report.m_capabilities = CapabilitiesOf(component);
     report.m_protocols = ProtocolsOf(component);

@@ -1,8 +1,12 @@
 // Reasons in words.
 #include "host/FailureText.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <string_view>
 #include <system_error>
+
+#include "host/Printable.h"
 
 namespace {
 
@@ -21,9 +25,10 @@ constexpr SAudioErrorWords kAudioErrorWords[] = {
 
 // A name may hold line breaks and a plug-in's text may too; the report stays one line.
 void PutPrintable(const char* text) noexcept {
-    for (; *text != '\0'; ++text) {
-        const auto byte = static_cast<unsigned char>(*text);
-        std::fputc(byte < 0x20 || byte == 0x7F ? '?' : byte, stderr);
+    for (std::string_view left = text; !left.empty();) {
+        const std::size_t control = ControlLength(left);
+        std::fputc(control > 0 ? '?' : left.front(), stderr);
+        left.remove_prefix(std::max<std::size_t>(control, 1));
     }
 }
 

@@ -118,10 +118,18 @@ std::string NameOf(IAudioComponent& component) {
     return name == nullptr ? "(no name)" : name;
 }
 
+void RequireCount(int count, const char* what) {
+    constexpr int kMostEntries = 10000;
+    if (count >= 0 && count <= kMostEntries) return;
+    throw CFailure("impossible count", std::to_string(count) + " " + what);
+}
+
 std::vector<std::string> ExtensionsOf(IAudioComponent& component) {
     std::vector<std::string> extensions;
     const auto list = CComPtr<IExtensionList>::Query(&component, IID_IExtensionList);
-    for (int i = 0; list && i < list->GetCount(); ++i) {
+    const int count = list ? list->GetCount() : 0;
+    RequireCount(count, "extensions");
+    for (int i = 0; i < count; ++i) {
         const char* const extension = list->GetAt(i);
         if (extension != nullptr) extensions.emplace_back(extension);
     }

@@ -56,5 +56,8 @@ private:
 // The component's name; "(no name)" when it tells none.
 std::string NameOf(IAudioComponent& component);
 
-// The extensions that the component lists; empty without IExtensionList.
+// Throws CFailure for a count that only a lie can be: following it would take all memory.
+void RequireCount(int count, const char* what);
+
+// The extensions that the component lists; empty without IExtensionList. Throws as RequireCount does.
 std::vector<std::string> ExtensionsOf(IAudioComponent& component);

@@ -133,7 +133,9 @@ std::vector<std::uint64_t> CSourceStream::GetIndexPoints() const {
     return Ask([this] {
         std::vector<std::uint64_t> points;
         const auto index = CComPtr<IIndexArray>::Query(m_pStream.Get(), IID_IIndexArray);
-        for (int i = 0; index && i < index->GetIndexNumber(); ++i) {
+        const int count = index ? index->GetIndexNumber() : 0;
+        RequireCount(count, "index points");
+        for (int i = 0; i < count; ++i) {
             const std::uint64_t point = index->GetIndex(i);
             if (point != kNoIndexPoint) points.push_back(point);
         }

@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "host/Encoders.h"
+#include "host/StartDirectory.h"
 #include "host/TargetFile.h"
 #include "host/convert/InputFiles.h"
 
@@ -68,7 +69,7 @@ private:
 
 bool Identify(const std::string& path, CFileIdentity& identity) {
     struct stat entry = {};
-    if (stat(path.c_str(), &entry) != 0) return false;
+    if (stat(FromStart(path).c_str(), &entry) != 0) return false;
     identity = {entry.st_dev, entry.st_ino};
     return true;
 }
@@ -116,7 +117,7 @@ bool IsInPlace(const SInputFile& input, const std::string& output) {
     std::error_code error;
     const fs::path directory = fs::path(input.m_name.GetGiven()).parent_path();
     const fs::path outputDirectory = fs::path(output).parent_path();
-    return directory == outputDirectory || fs::equivalent(directory, outputDirectory, error);
+    return directory == outputDirectory || fs::equivalent(FromStart(directory), FromStart(outputDirectory), error);
 }
 
 // What becomes of the inputs, before shards are told apart.

@@ -46,6 +46,7 @@ std::uint64_t CExcerpt::GetAnnouncedFrames() const {
 void CExcerpt::Start() {
     m_source.Start();
     if (m_nFirst == 0 || m_source.SeekTo(m_nFirst)) return;
+    m_bBeforeStart = true;
     m_nBytesToDrop = Delivered(m_nFirst) * static_cast<std::uint64_t>(BlockSizeOf(m_delivered));
 }
 
@@ -53,7 +54,7 @@ int CExcerpt::Read(unsigned char* buffer, int size) {
     for (;;) {
         if (m_nFramesLeft == 0) return 0;
         const int read = m_source.Read(buffer, size);
-        if (read == 0 && m_nBytesToDrop > 0) throw CFailure(m_strGiven, "--start is behind its end");
+        if (read == 0 && m_bBeforeStart) throw CFailure(m_strGiven, "--start is behind its end");
         const auto dropped =
             static_cast<int>(std::min<std::uint64_t>(m_nBytesToDrop, static_cast<std::uint64_t>(read)));
         m_nBytesToDrop -= static_cast<std::uint64_t>(dropped);
@@ -61,6 +62,7 @@ int CExcerpt::Read(unsigned char* buffer, int size) {
             RequireNoStopSignal(m_strGiven);
             continue;
         }
+        m_bBeforeStart = false;
         std::copy(buffer + dropped, buffer + read, buffer);
         return Limit(read - dropped);
     }

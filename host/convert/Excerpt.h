@@ -35,4 +35,5 @@ private:
     std::uint64_t m_nEnd = kAll;  // likewise
     std::uint64_t m_nFramesLeft;  // of what is delivered
     std::uint64_t m_nBytesToDrop = 0;
+    bool m_bBeforeStart = false;  // of a source that does not seek
 };

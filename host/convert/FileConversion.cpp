@@ -141,7 +141,7 @@ void ConvertToStandardOutput(const SConversionSetting& setting) {
         CConversion conversion(setting.m_session, setting.m_options, name, "standard output",
                                setting.m_options.m_strExtension);
         // Encoders need a file that they can go back in.
-        const CTemporaryFile file("standard output", fs::temp_directory_path(), "keloaudio");
+        const CTemporaryFile file("standard output", FromStart(fs::temp_directory_path()), "keloaudio");
         CFileProgress progress(name, setting.m_console);
         const SConversionReport report = conversion.Run(file.GetPath(), progress.Listener());
         if (!report.m_strWarning.empty()) {

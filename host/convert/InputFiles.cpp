@@ -6,6 +6,7 @@
 
 #include "host/Encoders.h"
 #include "host/FailureText.h"
+#include "host/StartDirectory.h"
 #include "host/StopSignal.h"
 
 namespace {
@@ -18,36 +19,36 @@ public:
     CDirectoryWalk(const SInputRequest& request, SInputFiles& found) : m_request(request), m_found(found) {
         std::error_code error;
         if (!request.m_strExcludedDirectory.empty())
-            m_excluded = fs::weakly_canonical(request.m_strExcludedDirectory, error);
+            m_excluded = fs::weakly_canonical(FromStart(request.m_strExcludedDirectory), error);
     }
 
     void Enter(const fs::path& directory, const fs::path& folder) {
         std::error_code error;
-        fs::directory_iterator entries(directory, error);
+        fs::directory_iterator entries(FromStart(directory), error);
         for (; !error && entries != fs::directory_iterator() && GetStopSignal() == 0; entries.increment(error))
-            Take(*entries, folder);
+            Take(*entries, directory / entries->path().filename(), folder);
         if (error) m_found.m_vFailures.emplace_back(directory.string(), error.message());
     }
 
 private:
-    void Take(const fs::directory_entry& entry, const fs::path& folder) {
+    // `given` is the entry's path as the person would name it.
+    void Take(const fs::directory_entry& entry, const fs::path& given, const fs::path& folder) {
         std::error_code error;
         const bool link = entry.is_symlink(error);
         if (entry.is_directory(error)) {
-            if (!link && !IsExcluded(entry.path())) Enter(entry.path(), folder / entry.path().filename());
+            if (!link && !IsExcluded(given)) Enter(given, folder / given.filename());
             return;
         }
-        if (!entry.is_regular_file(error) ||
-            !HasExtension(m_request.m_vExtensions, ExtensionOf(entry.path().string()))) {
+        if (!entry.is_regular_file(error) || !HasExtension(m_request.m_vExtensions, ExtensionOf(given.string()))) {
             ++m_found.m_nOthers;
             return;
         }
-        m_found.m_vFiles.push_back({CSourceName(entry.path().string()), folder, true});
+        m_found.m_vFiles.push_back({CSourceName(given.string()), folder, true});
     }
 
     bool IsExcluded(const fs::path& directory) const {
         std::error_code error;
-        return !m_excluded.empty() && fs::weakly_canonical(directory, error) == m_excluded;
+        return !m_excluded.empty() && fs::weakly_canonical(FromStart(directory), error) == m_excluded;
     }
 
     const SInputRequest& m_request;

@@ -7,11 +7,12 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <exception>
 #include <mutex>
-#include <system_error>
 #include <thread>
 #include <vector>
 
+#include "host/SignalStack.h"
 #include "host/StopSignal.h"
 
 namespace {
@@ -29,9 +30,10 @@ public:
 
     void RunOn(int threads) {
         try {
+            m_vThreads.reserve(static_cast<std::size_t>(threads));
             for (int i = 0; i < threads; ++i) StartWorker();
-        } catch (const std::system_error&) {
-            // The system gives no more; fewer do the same work.
+        } catch (const std::exception&) {
+            // The system gives no more threads or memory; fewer do the same work.
         }
         if (m_vThreads.empty()) RunHere();
         WaitForEnd();
@@ -46,6 +48,7 @@ private:
     }
 
     void RunAsWorker() {
+        UseSignalStack();
         RunHere();
         const std::lock_guard<std::mutex> lock(m_mutex);
         --m_nRunning;

@@ -8,6 +8,7 @@
 #include "portable/DirEntry.h"
 #include "portable/PortableFile.h"
 #include "tests/faults/FaultFixture.h"
+#include "tests/pluginmgr/LoadedManager.h"
 #include "tests/support/ManagerHold.h"
 #include "tests/support/ScratchRoot.h"
 
@@ -48,10 +49,14 @@ TEST_F(DirectoryFault, ADirectoryThatCannotBeOpenedHasNoEntries) {
 }
 
 TEST_F(DirectoryFault, AnyFailedResolutionListsNothingWrong) {
-    for (int call = 1; call <= 4; ++call) {
-        const CFaultyCall fault({ECall::ResolvePath, EACCES, call, 1});
+    int failed = 0;
+    for (bool struck = true; struck;) {
+        const CFaultyCall fault({ECall::ResolvePath, EACCES, failed + 1, 1});
         for (const std::string& name : List()) EXPECT_TRUE(std::filesystem::exists(m_scratch / name)) << name;
+        struck = fault.GetCount() > failed;
+        failed += struck ? 1 : 0;
     }
+    EXPECT_GT(failed, 0);
 }
 
 TEST_F(DirectoryFault, APathWhoseDirectoryCannotBeResolvedIsEmpty) {
@@ -124,11 +129,13 @@ TEST_F(DirectoryFault, ASourceThatCannotBeOpenedTellsTheSystemsReason) {
 }
 
 TEST_F(DirectoryFault, APluginDirectoryThatCannotBeListedLoadsNothing) {
+    const CPluginDirectory plugins({"decoder"});
+    EXPECT_EQ(CLoadedManager(plugins)->GetCount(), 1);
     for (const ECall call : {ECall::OpenDirectory, ECall::ReadDirectory, ECall::ResolvePath}) {
         const auto before = std::filesystem::current_path();
         const support::CManagerHold manager;
         const CFaultyCall fault({call, EIO});
-        manager->SetPluginDirectory(m_scratch.Path().c_str());
+        manager->SetPluginDirectory(plugins.Path().c_str());
         EXPECT_TRUE(manager->LoadPlugins());
         EXPECT_GT(fault.GetCount(), 0);
         EXPECT_EQ(manager->GetCount(), 0);

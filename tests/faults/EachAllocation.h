@@ -37,6 +37,7 @@ int FailEachAllocation(const TScenario& scenario, const TAfterwards& afterwards)
             EXPECT_EQ(LiveBlocks(), before);
         }
     }
+    EXPECT_GT(allocations, 0) << "nothing to fail";
     return allocations;
 }
 

@@ -23,6 +23,12 @@ void GiveCreationLockBack(bool held) {
     if (held) m_sectPMCreation.Unlock();
 }
 
+// One without the room that the last scenario has left in it.
+void Renew(CComPtr<CAudioPluginMgr>& manager) {
+    manager.Reset();
+    manager = ObtainManager();
+}
+
 }  // namespace
 
 TEST(ManagerAllocation, AManagerThatCannotBeMadeIsNotPublished) {
@@ -65,7 +71,7 @@ TEST(ManagerAllocation, UnloadingNeedsNoMemory) {
 }
 
 TEST(ManagerAllocation, SettingsKeepTheirOldTextOrTakeTheNew) {
-    const auto manager = ObtainManager();
+    auto manager = ObtainManager();
     const std::string text(300, 'x');
     FailEachAllocation(
         [&] {
@@ -79,6 +85,7 @@ TEST(ManagerAllocation, SettingsKeepTheirOldTextOrTakeTheNew) {
                  {manager->GetVendor(), manager->GetProduct(), manager->GetImagesDirectory()}) {
                 EXPECT_TRUE(held.empty() || held == text) << held;
             }
+            Renew(manager);
         });
     const auto fresh = [&] {
         manager->SetVendor("a", nullptr);
@@ -91,7 +98,7 @@ TEST(ManagerAllocation, SettingsKeepTheirOldTextOrTakeTheNew) {
 }
 
 TEST(ManagerAllocation, ReceiversAreSubscribedOrNot) {
-    const auto manager = ObtainManager();
+    auto manager = ObtainManager();
     CReceiver receivers[9];
     FailEachAllocation(
         [&] {
@@ -103,11 +110,12 @@ TEST(ManagerAllocation, ReceiversAreSubscribedOrNot) {
             int subscribed = 0;
             for (CReceiver& receiver : receivers) subscribed += manager->UnsubscribeToEvents(&receiver) ? 1 : 0;
             EXPECT_TRUE(thrown || subscribed == 9) << subscribed;
+            Renew(manager);
         });
 }
 
 TEST(ManagerAllocation, AuxiliaryObjectsAreAttachedWithOneReferenceOrNone) {
-    const auto manager = ObtainManager();
+    auto manager = ObtainManager();
     CHostFactory object;
     char keys[9];
     FailEachAllocation(
@@ -120,5 +128,6 @@ TEST(ManagerAllocation, AuxiliaryObjectsAreAttachedWithOneReferenceOrNone) {
             EXPECT_EQ(object.m_nReferences, attached);
             for (char& key : keys) manager->DetachAuxObject(&key);
             EXPECT_EQ(object.m_nReferences, 0);
+            Renew(manager);
         });
 }

@@ -9,8 +9,7 @@ namespace {
 
 class ConvertBesideHostile : public CBesideHostile {
 protected:
-    void ExpectLastWord(const std::string& plugin, const std::vector<std::string>& arguments, int signal) const {
-        UseHostile(plugin);
+    void ExpectLastWord(const std::vector<std::string>& arguments, int signal) const {
         const SRunResult result = RunWithChosen(arguments);
         // The address sanitizer has its own end for a crash, which comes after the last word.
         const bool ownEnd = support::kAddressSanitizer && signal == SIGSEGV;
@@ -37,17 +36,37 @@ TEST_P(MovingPlugin, ChangesNeitherInputsNorOutputs) {
     EXPECT_EQ(NamesIn(m_scratch / "elsewhere"), std::vector<std::string>{});
 }
 
+TEST_P(MovingPlugin, ChangesNoFolders) {
+    std::filesystem::create_directories(m_scratch / "elsewhere/in");
+    std::filesystem::create_directory(InWork("in"));
+    std::filesystem::copy_file(kFrontCenter, InWork("in/a.wav"));
+    UseHostile(std::string("MovesAwayIn") + GetParam());
+    const SRunResult result = RunWithChosen({"convert", "--jobs", "1", "-r", "in", "--to", "wav", "--out-dir", "out"});
+    EXPECT_EQ(result.m_nExit, 0) << result.m_strErr;
+    EXPECT_EQ(NamesIn(InWork("out")), std::vector<std::string>{"a.wav"});
+    EXPECT_EQ(NamesIn(m_scratch / "elsewhere"), std::vector<std::string>{"in"});
+    EXPECT_EQ(result.m_strOut.rfind("in/a.wav -> out/a.wav: ", 0), 0u) << result.m_strOut;
+}
+
 INSTANTIATE_TEST_SUITE_P(Convert, MovingPlugin,
-                         testing::Values("Entry", "Initialize", "GetName", "Open", "Start", "RawRead", "OpenTarget",
+                         testing::Values("Entry", "Initialize", "GetAt", "Open", "Start", "RawRead", "OpenTarget",
                                          "EncoderStart", "RawWrite", "End"),
                          [](const auto& test) { return std::string(test.param); });
 
 TEST_F(ConvertBesideHostile, CrashLeavesALastWordAndNoOutput) {
-    ExpectLastWord("CrashesInRawRead", {"convert", kFrontCenter, "out.wav"}, SIGSEGV);
+    UseHostile("CrashesInRawRead");
+    ExpectLastWord({"convert", kFrontCenter, "out.wav"}, SIGSEGV);
 }
 
 TEST_F(ConvertBesideHostile, AbortWhileLoadingLeavesALastWord) {
-    ExpectLastWord("AbortsInEntry", {"info", kFrontCenter}, SIGABRT);
+    UseHostile("AbortsInEntry");
+    ExpectLastWord({"info", kFrontCenter}, SIGABRT);
+}
+
+TEST_F(ConvertBesideHostile, FullStackLeavesALastWord) {
+    if (support::kAddressSanitizer) GTEST_SKIP() << "the sanitizer has its own end for a full stack";
+    UseImpolite("CollectionHoldsItself");
+    ExpectLastWord({"info", kFrontCenter}, SIGSEGV);
 }
 
 TEST_F(ConvertBesideHostile, PluginThatRefusesToFinishDoesNotHoldUpTheEnd) {

@@ -173,6 +173,7 @@ TEST_F(ListBesideHostile, IntFromAnEntryPointPassesOverThePlugin) {
     UseHostile("ThrowsIntInEntry");
     UseHostile("ThrowsIntInGetType");
     ExpectListed("");
+    EXPECT_EQ(RunWithChosen({"list"}).m_strOut.find("ThrowsInt"), std::string::npos);
 }
 
 TEST_F(ListBesideHostile, PluginThatRefusesToFinishIsListed) {
