@@ -12,6 +12,7 @@
 #include "host/Failure.h"
 #include "host/Json.h"
 #include "host/PluginOptions.h"
+#include "host/PluginTrust.h"
 #include "host/StandardOutput.h"
 #include "host/TimeLimit.h"
 #include "host/validate/Catalogue.h"
@@ -59,12 +60,23 @@ int ListChecks(const SValidateOptions& options, const CCheckList& checks) {
     return 0;
 }
 
+// The plug-ins installed or built with the program; none where others could replace them.
+std::string OtherPlugins() {
+    const std::string directory = DefaultPluginDirectory();
+    try {
+        RequireTrustedPlugins(directory, true);
+    } catch (const CFailure&) {
+        return {};
+    }
+    return directory;
+}
+
 SRunOptions RunOptionsOf(const SValidateOptions& options) {
     SRunOptions run;
     run.m_checks = ChosenChecks(options.m_only, options.m_skip);
     for (const std::string& sample : options.m_vSamples) run.m_vSamples.push_back(fs::absolute(sample).string());
     run.m_strURL = options.m_strURL;
-    run.m_strOtherPlugins = DefaultPluginDirectory();
+    run.m_strOtherPlugins = OtherPlugins();
     run.m_limit = options.m_limit.Get();
     run.m_nJobs = options.m_nJobs;
     run.m_bShowsErrors = options.m_bVerbose;

@@ -40,6 +40,7 @@ void GivesReferences(CTrial& trial) {
         for (int i = 0; i < members.GetCount(); ++i) {
             IAudioComponent* member = nullptr;
             members.GetComponent(i, &member);
+            Expect(member != nullptr, "no component " + std::to_string(i));
             ExpectOwnReference(*member);
         }
     });

@@ -96,6 +96,7 @@ void ExpectRefusedOrMended(IURLAudioTargetFactory& factory, const SWavFormat& fo
     if (factory.CreateTarget(&stream, format, status.Out())) {
         Expect(stream != nullptr, label + "true, and no stream is stored");
         const auto writer = CComPtr<IAudioRawWriter>::Query(stream, IID_IAudioRawWriter);
+        Expect(static_cast<bool>(writer), label + "its stream lacks interface " + std::to_string(IID_IAudioRawWriter));
         ExpectSaneFormat(writer->GetRawFormat());
         return;
     }

@@ -41,6 +41,7 @@ void GivesReference(CTrial& trial) {
     const CPluginFile file(trial.Around().m_strPlugin);
     IAudioComponent* primary = nullptr;
     file.GetPrimaryObject(&primary);
+    Expect(primary != nullptr, "no object is stored");
     ExpectOwnReference(*primary);
 }
 

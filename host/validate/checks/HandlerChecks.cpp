@@ -49,6 +49,7 @@ void ForEachHandler(CTrial& trial, const std::function<void(IURLSourceHandler& h
     for (const SComponent& component : trial.Components(ACT_URL_HANDLER)) {
         const auto handler = CComPtr<IURLSourceHandler>::Query(component.m_pComponent.Get(), IID_IURLSourceHandler);
         try {
+            Expect(static_cast<bool>(handler), "no interface " + std::to_string(IID_IURLSourceHandler));
             examine(*handler);
         } catch (const CFinding& finding) {
             throw CFinding(component.m_strLabel + ": " + finding.what());

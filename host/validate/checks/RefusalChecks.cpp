@@ -29,6 +29,7 @@ void ForEachOpener(CTrial& trial,
     for (const SComponent& decoder : trial.Components(ACT_DECODER)) {
         const auto opener = CComPtr<IAudioFileOpener>::Query(decoder.m_pComponent.Get(), IID_IAudioFileOpener);
         try {
+            Expect(static_cast<bool>(opener), "no interface " + std::to_string(IID_IAudioFileOpener));
             examine(*opener, decoder);
         } catch (const CFinding& finding) {
             throw CFinding(decoder.m_strLabel + ": " + finding.what());

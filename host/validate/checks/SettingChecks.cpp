@@ -54,7 +54,7 @@ void ForEachOwner(CTrial& trial, const std::function<void(INamedSettings& settin
 
 void ForEachName(CTrial& trial, const std::function<void(INamedSettings& settings, const std::string& name)>& examine) {
     ForEachOwner(trial, [&](INamedSettings& settings) {
-        for (int i = 0; i < settings.GetSettingCount(); ++i) examine(settings, settings.GetSettingName(i));
+        for (int i = 0; i < settings.GetSettingCount(); ++i) examine(settings, TextOf(settings.GetSettingName(i)));
     });
 }
 
@@ -104,8 +104,8 @@ void RefusesUnknownValue(CTrial& trial) {
         for (int i = 0; i < settings.GetSettingCount(); ++i) {
             if (TextOf(settings.GetSettingValues(i)).find('|') == std::string::npos) continue;
             found = true;
-            const std::string name = settings.GetSettingName(i);
-            const std::string before = settings.GetSetting(name.c_str());
+            const std::string name = TextOf(settings.GetSettingName(i));
+            const std::string before = TextOf(settings.GetSetting(name.c_str()));
             CComPtr<IStatus> status;
             Expect(!settings.SetSetting(name.c_str(), kUnknownValue, status.Out()), name + " takes an unlisted value");
             Expect(static_cast<bool>(status), name + " refuses an unlisted value without a status");
@@ -118,7 +118,7 @@ void RefusesUnknownValue(CTrial& trial) {
 
 void TakesItsValue(CTrial& trial) {
     ForEachName(trial, [](INamedSettings& settings, const std::string& name) {
-        const std::string value = settings.GetSetting(name.c_str());
+        const std::string value = TextOf(settings.GetSetting(name.c_str()));
         CComPtr<IStatus> status;
         const bool taken = settings.SetSetting(name.c_str(), value.c_str(), status.Out());
         Expect(taken,
