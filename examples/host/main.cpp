@@ -32,18 +32,19 @@ int Play(IAudioPluginMgr& manager, const char* sound) {
     bool good = true;
     for (int read = 0; good && (read > 0 || state == ARS_MORE);) {
         good = reader->RawRead(buffer, sizeof(buffer), &read, state, status.Out());
-        if (good) std::fwrite(buffer, 1, static_cast<std::size_t>(read), stdout);
+        const auto bytes = static_cast<std::size_t>(good ? read : 0);
+        if (std::fwrite(buffer, 1, bytes, stdout) != bytes) return Fail("standard output", nullptr);
     }
-    process->End(nullptr);
-    return good && std::fflush(stdout) == 0 ? 0 : Fail(sound, status.Get());
+    good = process->End(good ? status.Out() : nullptr) && good;
+    if (std::fflush(stdout) != 0) return Fail("standard output", nullptr);
+    return good ? 0 : Fail(sound, status.Get());
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
     CComPtr<IAudioPluginMgr> manager;
-    if (argc != 3 || GetAudioPluginMgr(manager.Out()) != 1) return 2;
-    manager->SetPluginDirectory(argv[1]);
+    if (argc != 3 || GetAudioPluginMgr(manager.Out()) != 1 || !manager->SetPluginDirectory(argv[1])) return 2;
     manager->LoadPlugins();
     const int result = Play(*manager, argv[2]);  // every stream is released before the plug-ins go
     manager->UnloadPlugins();

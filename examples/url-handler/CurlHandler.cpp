@@ -14,11 +14,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The extension of the address's path: decoders are chosen by it.
-std::string ExtensionOf(const std::string& url) {
+// The last part of the address's path: decoders are chosen by its extension, and people may read it as a title.
+std::string NameOf(const std::string& url) {
     const std::string path = url.substr(0, url.find_first_of("?#"));
-    const std::size_t dot = path.rfind('.');
-    return dot == std::string::npos || path.find('/', dot) != std::string::npos ? "" : path.substr(dot);
+    const std::string name = path.substr(path.rfind('/') + 1);
+    return name.empty() || name.front() == '.' ? "source" + name : name;
 }
 
 struct SFileCloser {
@@ -31,16 +31,26 @@ struct SCurlCloser {
 };
 using CCurlPtr = std::unique_ptr<CURL, SCurlCloser>;
 
+// For messages, which show no password.
+std::string WithoutUserInfo(const std::string& url) {
+    const std::size_t host = url.find("://") + 3;
+    const std::size_t at = url.rfind('@', url.find_first_of("/?#", host));
+    return at == std::string::npos || at < host ? url : url.substr(0, host) + url.substr(at + 1);
+}
+
 void Download(const std::string& url, std::FILE* file) {
     const CCurlPtr curl(curl_easy_init());
     if (curl == nullptr) Refuse("libcurl cannot be used");
     curl_easy_setopt(curl.get(), CURLOPT_URL, url.c_str());
     curl_easy_setopt(curl.get(), CURLOPT_PROTOCOLS_STR, "http");
+    curl_easy_setopt(curl.get(), CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
+    curl_easy_setopt(curl.get(), CURLOPT_FOLLOWLOCATION, 1L);
+    curl_easy_setopt(curl.get(), CURLOPT_MAXREDIRS, 5L);
     curl_easy_setopt(curl.get(), CURLOPT_FAILONERROR, 1L);
     curl_easy_setopt(curl.get(), CURLOPT_NOSIGNAL, 1L);
     curl_easy_setopt(curl.get(), CURLOPT_WRITEDATA, file);
     const CURLcode result = curl_easy_perform(curl.get());
-    if (result != CURLE_OK) Refuse(url + ": " + curl_easy_strerror(result));
+    if (result != CURLE_OK) Refuse(WithoutUserInfo(url) + ": " + curl_easy_strerror(result));
 }
 
 class CCurlHandler final : public CURLHandlerComponent<> {
@@ -61,7 +71,7 @@ private:
     }
 
     std::string FetchFile(const std::string& url) override {
-        const std::string path = NextPath(ExtensionOf(url));
+        const std::string path = NextPath(NameOf(url));
         const CFilePtr file(std::fopen(path.c_str(), "wb"));
         if (file == nullptr) Refuse(path + ": " + SystemReason(errno));
         try {
@@ -74,10 +84,12 @@ private:
         return path;
     }
 
-    // Several threads may fetch at once.
-    std::string NextPath(const std::string& extension) {
+    // Several threads may fetch at once, and the same name more than once.
+    std::string NextPath(const std::string& name) {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        return m_strDirectory + "/" + std::to_string(++m_nFetches) + extension;
+        const std::string directory = m_strDirectory + "/" + std::to_string(++m_nFetches);
+        if (!fs::create_directory(directory)) Refuse(directory + ": " + SystemReason(EEXIST));
+        return directory + "/" + name;
     }
 
     std::string m_strDirectory;

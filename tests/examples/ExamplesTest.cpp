@@ -234,6 +234,17 @@ TEST_F(Examples, HandlerFetchesForTheDecoder) {
     EXPECT_EQ(ReadAll(Open(server.URL("some.plain?query"))), SamplesOf(file));
 }
 
+TEST_F(Examples, HandlerFollowsRedirects) {
+    Add("decoder", "plain_decoder");
+    Add("url-handler", "curl_handler");
+    Load();
+    const std::string file = PlainFile(100);
+    const COneAnswer second("HTTP/1.0 200 OK\r\nContent-Length: " + std::to_string(file.size()) + "\r\n\r\n" + file);
+    const COneAnswer first("HTTP/1.0 302 Found\r\nLocation: " + second.URL("other.plain") +
+                           "\r\nContent-Length: 5\r\n\r\n<a/>\n");
+    EXPECT_EQ(ReadAll(Open(first.URL("some.plain"))), SamplesOf(file));
+}
+
 TEST_F(Examples, HandlerTellsWhyAnAddressCannotBeFetched) {
     Add("url-handler", "curl_handler");
     Load();
@@ -244,7 +255,8 @@ TEST_F(Examples, HandlerTellsWhyAnAddressCannotBeFetched) {
     const std::string url = server.URL("none.plain");
     char path[kLocalPathCapacity] = "";
     CComPtr<IStatus> status;
-    EXPECT_FALSE(handler->Fetch(url.c_str(), path, 0, status.Out()));
+    const std::string withPassword = "http://user:secret@" + url.substr(7);
+    EXPECT_FALSE(handler->Fetch(withPassword.c_str(), path, 0, status.Out()));
     EXPECT_EQ(TextOf(status), url + ": HTTP response code said error");
 }
 
@@ -261,6 +273,10 @@ TEST_F(Examples, HostWritesTheSamples) {
         "'" + host + "' '" + PluginDirectory().string() + "' /nowhere.plain 2> '" + output + "'";
     EXPECT_NE(std::system(refused.c_str()), 0);
     EXPECT_EQ(ReadFile(output).substr(0, 15), "/nowhere.plain:");
+    const std::string full =
+        "'" + host + "' '" + PluginDirectory().string() + "' '" + path + "' > /dev/full 2> '" + output + "'";
+    EXPECT_NE(std::system(full.c_str()), 0);
+    EXPECT_EQ(ReadFile(output), "standard output: failed\n");
 }
 
 }  // namespace
