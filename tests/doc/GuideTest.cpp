@@ -37,11 +37,13 @@ TEST(Guides, ListingsAreTheFilesThatTheyName) {
 }
 
 TEST(Guides, NameOnlyFilesThatAreThere) {
-    static const std::regex kPath("`((?:examples|sdk|com|stream|plugins|doc)/[A-Za-z0-9_./-]*)`");
+    static const std::regex kPath("`((?:abi|cmake|com|doc|examples|fuzz|plugins|sdk|stream|tests)/[A-Za-z0-9_./-]*)`");
     static const std::regex kPage("`([a-z-]+\\.md)`");
     int names = 0;
-    for (const char* const page : {"plugin-guide.md", "host-guide.md", "debugging.md", "binary-contract.md"}) {
-        const std::string text = ReadFile(std::string("doc/") + page);
+    for (const char* const page :
+         {"doc/plugin-guide.md", "doc/host-guide.md", "doc/debugging.md", "doc/binary-contract.md", "doc/validator.md",
+          "doc/fuzzing.md", "doc/performance.md", "doc/resampling-quality.md", "doc/coverage.md", "SECURITY.md"}) {
+        const std::string text = ReadFile(page);
         ASSERT_NE(text, "") << page;
         for (std::sregex_iterator found(text.begin(), text.end(), kPath), end; found != end; ++found, ++names) {
             EXPECT_TRUE(std::ifstream(std::string(KELO_SOURCE_DIRECTORY) + "/" + (*found)[1].str()).good())
