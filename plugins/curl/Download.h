@@ -6,8 +6,8 @@
 #include <memory>
 #include <string>
 
-#include "plugins/shared/FileDescriptor.h"
 #include "plugins/curl/PrivateDirectory.h"
+#include "plugins/shared/FileDescriptor.h"
 
 // A file in a folder of its own, so that it can have any name. The destructor removes both unless they are kept.
 // Belongs to one thread at a time.

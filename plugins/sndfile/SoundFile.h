@@ -4,8 +4,8 @@
 #include <memory>
 #include <string>
 
-#include "plugins/sndfile/ChannelOrder.h"
 #include "plugins/shared/FileDescriptor.h"
+#include "plugins/sndfile/ChannelOrder.h"
 #include "plugins/sndfile/FileSurvey.h"
 #include "plugins/sndfile/SndFileHandle.h"
 
