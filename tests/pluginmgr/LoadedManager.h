@@ -6,12 +6,12 @@
 #include <fstream>
 #include <iterator>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "stream/Convertor.h"
 #include "tests/pluginmgr/Manager.h"
 #include "tests/pluginmgr/PluginDirectory.h"
+#include "tests/support/CreationLockState.h"
 
 using Lines = std::vector<std::string>;
 
@@ -50,13 +50,4 @@ inline bool IsMapped(const std::string& path) {
     std::ifstream maps("/proc/self/maps");
     const std::string text((std::istreambuf_iterator<char>(maps)), {});
     return text.find(path) != std::string::npos;
-}
-
-inline bool IsCreationLockFree() {
-    int locked = 0;
-    std::thread([&] {
-        locked = m_sectPMCreation.Lock(0);
-        if (locked != 0) m_sectPMCreation.Unlock();
-    }).join();
-    return locked != 0;
 }

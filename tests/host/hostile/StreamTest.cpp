@@ -3,7 +3,6 @@
 
 #include <filesystem>
 #include <functional>
-#include <thread>
 
 #include "com/InterfaceIds.h"
 #include "pluginmgr/AudioPluginMgr.h"
@@ -14,6 +13,7 @@
 #include "stream/RawWriter.h"
 #include "stream/SourceDetails.h"
 #include "stream/URLAudioTargetFactory.h"
+#include "tests/support/CreationLockState.h"
 #include "tests/support/ExpectedLeaks.h"
 #include "tests/support/ManagerHold.h"
 #include "tests/support/ScratchDirectory.h"
@@ -116,15 +116,6 @@ private:
     std::string m_strTarget;
     std::string m_strStep;
 };
-
-bool IsCreationLockFree() {
-    int locked = 0;
-    std::thread([&] {
-        locked = m_sectPMCreation.Lock(0);
-        if (locked != 0) m_sectPMCreation.Unlock();
-    }).join();
-    return locked != 0;
-}
 
 struct SReach {
     const char* m_szOperation;
