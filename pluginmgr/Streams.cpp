@@ -8,6 +8,7 @@
 #include "com/InterfaceIds.h"
 #include "com/StatusObject.h"
 #include "pluginmgr/AudioPluginMgr.h"
+#include "stream/GuardedCall.h"
 #include "stream/SourceOpening.h"
 #include "stream/SrcConvAggregator.h"
 #include "stream/TargetAggregator.h"
@@ -87,16 +88,13 @@ bool CAudioPluginMgr::OpenRemote(const char* url, IUnknown** stream, int pass, E
                                  IStatus** status) {
     const CComPtr<IComponentEnum> registry(static_cast<IComponentEnum*>(this));
     char localPath[kLocalPathCapacity] = "";
-    CComPtr<IStatus> report;
-    const SFetchedSource source = FetchRemote(*registry, url, static_cast<EURLType>(GetURLType(url)), localPath,
-                                              status != nullptr ? &report : nullptr);
-    if (!source.m_pHandler) return FailToOpen(stream, nullptr, status);
+    CPassedStatus passed(status);
+    const SFetchedSource source =
+        FetchRemote(*registry, url, static_cast<EURLType>(GetURLType(url)), localPath, passed);
     localPath[kLocalPathCapacity - 1] = '\0';
-    CComPtr<IStatus> reason;
-    const bool opened =
-        OpenURLAudioFile(localPath, stream, pass, required, excluded, status != nullptr ? reason.Out() : nullptr);
-    if (!reason) reason = report;
-    if (status != nullptr && reason) *status = reason.Detach();
+    const bool opened = source.m_pHandler ? OpenURLAudioFile(localPath, stream, pass, required, excluded, status)
+                                          : FailToOpen(stream, nullptr, status);
+    passed.Update();
     return opened;
 }
 
@@ -112,7 +110,7 @@ bool CAudioPluginMgr::OpenURLAudioFile(const char* url, const SWavFormat* wanted
 
 bool CAudioPluginMgr::CreateURLAudioTarget(IURLAudioTargetFactory* factory, IUnknown** stream, const SWavFormat& format,
                                            IStatus** status) {
-    if (!factory->CreateTarget(stream, format, status) || *stream == nullptr) return false;
+    if (!CallGuarded([&] { return factory->CreateTarget(stream, format, status); }) || *stream == nullptr) return false;
     auto target = std::make_unique<CTargetAggregator>(this, stream, format);
     if (!target->IsValid()) return false;  // the caller still has the encoder in `*stream`
     static_cast<void>(target.release());   // counted from here on, through the reference in `*stream`

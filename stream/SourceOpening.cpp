@@ -69,7 +69,7 @@ bool OpenWithDecoders(IComponentEnum& decoders, const SOpenRequest& request, CCo
 }
 
 SFetchedSource FetchRemote(IComponentEnum& registry, const char* url, EURLType type, char* localPath,
-                           CComPtr<IStatus>* report) {
+                           CPassedStatus& status) {
     const int count = registry.GetCount();
     for (int i = 0; i < count; ++i) {
         auto component = ComponentAt(registry, i);
@@ -77,9 +77,8 @@ SFetchedSource FetchRemote(IComponentEnum& registry, const char* url, EURLType t
         auto handler = CComPtr<IURLSourceHandler>::Query(component.Get(), IID_IURLSourceHandler);
         if (!handler || (handler->GetProtocols() & static_cast<unsigned int>(type)) == 0) continue;
 
-        CComPtr<IStatus> status;
-        const bool fetched = handler->Fetch(url, localPath, 0, report != nullptr ? status.Out() : nullptr);
-        if (report != nullptr && status) *report = status;
+        const bool fetched = handler->Fetch(url, localPath, 0, status.Get());
+        status.Update();
         if (fetched) return {std::move(component), std::move(handler)};
     }
     return {};

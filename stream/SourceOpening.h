@@ -4,6 +4,7 @@
 #include "com/AudioComponent.h"
 #include "com/ComPtr.h"
 #include "com/ComponentEnum.h"
+#include "stream/PassedStatus.h"
 #include "stream/URLSourceHandler.h"
 #include "stream/WavFormat.h"
 
@@ -27,7 +28,6 @@ struct SFetchedSource {
 bool OpenWithDecoders(IComponentEnum& decoders, const SOpenRequest& request, CComPtr<IStatus>& refusal);
 
 // Asks the URL handlers in the order of `registry` until one has made `url` a local file in `localPath`, a buffer of
-// kLocalPathCapacity bytes. What the handlers reported goes into `report`, which is null when nobody asked. [any
-// thread]
+// kLocalPathCapacity bytes. [any thread]
 SFetchedSource FetchRemote(IComponentEnum& registry, const char* url, EURLType type, char* localPath,
-                           CComPtr<IStatus>* report);
+                           CPassedStatus& status);

@@ -6,6 +6,7 @@
 #include "com/FeatureSupport.h"
 #include "com/QueryTable.h"
 #include "stream/GuardedCall.h"
+#include "stream/PassedStatus.h"
 #include "stream/SourceLimits.h"
 
 namespace {
@@ -109,13 +110,18 @@ int CSrcConvAggregator::QueryInterface(unsigned long identity, void** face) {
 }
 
 bool CSrcConvAggregator::Start(IStatus** status) {
+    CPassedStatus passed(status);
     if (!CallGuarded([&] { return m_pProcess->Start(status); })) return false;
-    if (m_realFormat.m_held == m_rawFormat || CallGuarded([&] { return CreateConvertor(status); })) {
+    passed.Update();
+    const bool delivers = m_realFormat.m_held == m_rawFormat || CallGuarded([&] { return CreateConvertor(status); });
+    passed.Update();
+    if (delivers) {
         m_pConversionBuffer.reset(new (std::nothrow) unsigned char[kConversionBufferSize]);
         if (m_pConversionBuffer) return true;
     }
     m_pConvertor.Reset();
     CallGuarded([&] { return m_pProcess->End(status); });
+    passed.Update();
     return false;
 }
 

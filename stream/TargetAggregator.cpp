@@ -4,6 +4,7 @@
 #include "com/QueryTable.h"
 #include "com/StatusObject.h"
 #include "stream/GuardedCall.h"
+#include "stream/PassedStatus.h"
 
 namespace {
 
@@ -53,33 +54,35 @@ bool CTargetAggregator::Start(IStatus** status) {
 
 bool CTargetAggregator::StartEncoder(IStatus** status) {
     const SHeldWavFormat accepted{m_pWriter->GetRawFormat(), 0};
+    CPassedStatus passed(status);
     CComPtr<IConvertorFactory> factory;
     if (accepted != m_inputFormat.m_held) {
         // The factory is lent, yet released here: one reference less of it for every converting Start, as hosts expect.
         IConvertorFactory* lent = nullptr;
         if (m_pManager) m_pManager->GetConvertor(&lent);
         factory = CComPtr<IConvertorFactory>::Adopt(lent);
-        if (!CreateConvertor(lent, accepted, status)) {
+        if (!CreateConvertor(lent, accepted, passed)) {
             m_pConvertor.Reset();
             ReportStatus(status, "No conversion possible");
+            passed.Update();
             return false;
         }
     }
-    if (CallGuarded([&] { return m_pProcess->Start(status); })) return true;
-    m_pConvertor.Reset();
-    return false;
+    const bool started = CallGuarded([&] { return m_pProcess->Start(status); });
+    passed.Update();
+    if (!started) m_pConvertor.Reset();
+    return started;
 }
 
-bool CTargetAggregator::CreateConvertor(IConvertorFactory* factory, const SHeldWavFormat& accepted, IStatus** status) {
+bool CTargetAggregator::CreateConvertor(IConvertorFactory* factory, const SHeldWavFormat& accepted,
+                                        CPassedStatus& status) {
     if (factory == nullptr) return false;
-    CComPtr<IStatus> reason;
     const bool created = CallGuarded([&] {
         return factory->CreateConvertor(&m_inputFormat.m_held.m_format, &accepted.m_format, m_pConvertor.Out(),
-                                        status != nullptr ? reason.Out() : nullptr);
+                                        status.Get());
     });
-    if (!created || !m_pConvertor) return false;
-    if (reason) *status = reason.Detach();
-    return true;
+    status.Update();
+    return created && m_pConvertor;
 }
 
 bool CTargetAggregator::End(IStatus** status) {

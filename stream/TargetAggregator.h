@@ -10,6 +10,8 @@
 #include "stream/Process.h"
 #include "stream/RawWriter.h"
 
+class CPassedStatus;
+
 // Outer object of an encoder stream. Shares the encoder's reference count and ends when only its own references on the
 // encoder are left. One stream is driven by one thread at a time. [stream-thread]
 class KELO_EXPORT CTargetAggregator final : public IProcess, public IAudioRawWriter {
@@ -45,7 +47,7 @@ public:
 
 private:
     KELO_HIDDEN bool StartEncoder(IStatus** status);
-    KELO_HIDDEN bool CreateConvertor(IConvertorFactory* factory, const SHeldWavFormat& accepted, IStatus** status);
+    KELO_HIDDEN bool CreateConvertor(IConvertorFactory* factory, const SHeldWavFormat& accepted, CPassedStatus& status);
 
     // Destroyed in reverse: the order in which the references are given back is part of the contract.
     CComPtr<IUnknown> m_pEncoder;

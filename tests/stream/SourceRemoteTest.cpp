@@ -2,6 +2,7 @@
 #include <errno.h>
 #include <gtest/gtest.h>
 
+#include "com/StatusObject.h"
 #include "stream/SrcConvAggregator.h"
 #include "tests/stream/OpeningFixture.h"
 
@@ -128,14 +129,19 @@ TEST_F(SourceRemote, WhenEveryHandlerFailsTheGeneralReasonIsGiven) {
     ExpectNothingHeld();
 }
 
-TEST_F(SourceRemote, HandlersAreAskedForStatusesOnlyWhenTheCallerIs) {
+TEST_F(SourceRemote, HandlersGetTheCallersStatusPointer) {
     Register({&m_wav, &m_handler});
     EXPECT_TRUE(Open(kHttp));
-    EXPECT_FALSE(m_handler.m_bHadStatus);
-    CComPtr<IStatus> status;
-    EXPECT_TRUE(Open(kHttp, -1, status.Out()));
-    EXPECT_TRUE(m_handler.m_bHadStatus);
-    EXPECT_FALSE(status);
+    EXPECT_EQ(m_handler.m_ppStatus, nullptr);
+    const auto before = CComPtr<IStatus>::Adopt(new CStatus("before"));
+    IStatus* status = before.Get();
+    EXPECT_TRUE(Open(kHttp, -1, &status));
+    EXPECT_EQ(m_handler.m_ppStatus, &status);
+    EXPECT_EQ(status, before.Get());
+    m_handler.m_fetch = {EOutcome::Fails, "gone"};
+    EXPECT_FALSE(Open(kHttp, -1, &status));
+    EXPECT_EQ(ErrorOf(CComPtr<IStatus>::Adopt(status)), AE_NO_DECODER);
+    ExpectNothingHeld();
 }
 
 TEST_F(SourceRemote, AStatusOfTheHandlersReachesTheCallerOnSuccess) {
@@ -196,11 +202,13 @@ TEST_F(SourceRemote, TheLocalPathMayFillItsWholeBuffer) {
     EXPECT_EQ(status->GetSysError(), static_cast<unsigned int>(ENAMETOOLONG));
 }
 
-TEST_F(SourceRemote, AnExceptionOfAHandlerLeavesNothingHeld) {
+TEST_F(SourceRemote, AnExceptionOfAHandlerLeavesItsStatusAlone) {
     Register({&m_wav, &m_handler});
     m_handler.m_fetch = {EOutcome::ThrowsInt, "broken"};
     CComPtr<IStatus> status;
     EXPECT_THROW(Open(kHttp, -1, status.Out()), int);
+    EXPECT_STREQ(TextOf(status), "broken");
+    status.Reset();
     ExpectNothingHeld();
 }
 

@@ -147,7 +147,7 @@ public:
     bool Fetch(const char* url, char* localPath, int reserved, IStatus** status) override {
         m_urls.emplace_back(url);
         m_nReserved = reserved;
-        m_bHadStatus = status != nullptr;
+        m_ppStatus = status;
         std::memset(localPath, 0, kLocalPathCapacity);
         m_localPath.copy(localPath, kLocalPathCapacity - 1);
         return Play(m_fetch, status);
@@ -159,7 +159,7 @@ public:
     std::string m_localPath;
     std::vector<std::string> m_urls;
     int m_nReserved = -1;
-    bool m_bHadStatus = false;
+    IStatus** m_ppStatus = nullptr;
 };
 
 }  // namespace support
