@@ -96,7 +96,10 @@ int CPortableFile::GetDrive() { return PFile::GetDrive(); }
 void CPortableFile::SetErrorReporter(CAbstractErrorReporter* reporter) { m_pErrorReporter = reporter; }
 
 // False, with the reason in the status, when the file cannot be opened.
-bool CPortableFile::IsOpenAfterLazyOpening() { return m_nDescriptor != -1 || OpenFile(m_eMode) == 0; }
+bool CPortableFile::IsOpenAfterLazyOpening() {
+    // A subclass may answer what it likes about a file that came open.
+    return m_nDescriptor != -1 || OpenFile(m_eMode) == 0 || m_nDescriptor != -1;
+}
 
 // Stores 0 or errno as the status and answers what Status() makes of it.
 int CPortableFile::KeepResult(bool succeeded) {

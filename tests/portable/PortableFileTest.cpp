@@ -43,6 +43,17 @@ public:
     int m_nOpened = 0;
 };
 
+// A file whose opening answers something of its own.
+class CSelfWilledFile : public CPortableFile {
+public:
+    using CPortableFile::CPortableFile;
+
+    int OpenFile(CPortableFile::OpenMode mode) override {
+        CPortableFile::OpenFile(mode);
+        return 7;
+    }
+};
+
 }  // namespace
 
 TEST(PortableFile, ARelativeNameBecomesAbsolute) {
@@ -272,6 +283,17 @@ TEST(PortableFile, DeletingRemovesTheFileAndKeepsTheDescriptor) {
     EXPECT_EQ(file.Status(), ENOENT);
 }
 
+TEST(PortableFile, DeletingRemovesAnEmptyDirectoryAsWell) {
+    const CScratchDirectory scratch;
+    std::filesystem::create_directory(scratch / "dir");
+    scratch.Write("dir/file", "");
+    CPortableFile directory((scratch / "dir").c_str(), CPortableFile::OM_READ);
+    EXPECT_EQ(directory.DeleteFile(), ENOTEMPTY);
+    std::filesystem::remove(scratch / "dir/file");
+    EXPECT_EQ(directory.DeleteFile(), 0);
+    EXPECT_FALSE(std::filesystem::exists(scratch / "dir"));
+}
+
 TEST(PortableFile, ACloneHasTheNameInModeFourAndIsClosed) {
     const CScratchDirectory scratch;
     CPortableFile file(scratch.Write("f", "").c_str(), CPortableFile::OM_WRITE);
@@ -334,6 +356,29 @@ TEST(PortableFile, LazyOpeningAndResultsGoThroughTheVirtualTable) {
     EXPECT_EQ(file.Write(&byte, 1, &done), 1000 + EBADF);
     EXPECT_EQ(static_cast<PFile&>(file).Status(), 1000 + EBADF);
     EXPECT_EQ(file.m_nOpened, 2);
+}
+
+TEST(PortableFile, AFileThatCameOpenIsUsedWhateverItsOpeningAnswers) {
+    const CScratchDirectory scratch;
+    const std::string path = scratch.Write("f", "0123456789");
+    char buffer[4] = "";
+    unsigned int done = 0;
+    CSelfWilledFile read(path.c_str(), CPortableFile::OM_READ);
+    EXPECT_EQ(read.Read(buffer, 3, &done), 0);
+    EXPECT_STREQ(buffer, "012");
+    CSelfWilledFile written(path.c_str(), CPortableFile::OM_WRITE);
+    EXPECT_EQ(written.Write(buffer, 3, &done), 0);
+    EXPECT_EQ(done, 3u);
+    CSelfWilledFile positioned(path.c_str(), CPortableFile::OM_READ);
+    EXPECT_EQ(positioned.SetFilePos(PFile::PM_END, -1), 0);
+    EXPECT_EQ(positioned.Read(buffer, 3, &done), 0);
+    EXPECT_STREQ(buffer, "9");
+
+    CObservedFile observed(path.c_str(), CPortableFile::OM_READ);
+    EXPECT_EQ(observed.Read(buffer, 3, &done), 1000);
+    EXPECT_STREQ(buffer, "012");
+    CSelfWilledFile missing((scratch / "missing").c_str(), CPortableFile::OM_READ);
+    EXPECT_EQ(missing.Read(buffer, 3, &done), ENOENT);
 }
 
 TEST(PortableFile, TheDriveIsAlwaysAFixedOne) {
