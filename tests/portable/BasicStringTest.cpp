@@ -91,6 +91,17 @@ TEST(BasicString, FormattingFailuresGiveTheEmptyText) {
     EXPECT_STREQ("", fromError.GetText());
 }
 
+TEST(BasicString, AFormatInWritableMemoryMayCountAndLeaveArgumentsOut) {
+    char counting[] = "ab%n";
+    char skipping[] = "%2$d";
+    int count = 0;
+    CString string;
+    EXPECT_EQ(2, string.Format(counting, &count));
+    EXPECT_EQ(2, count);
+    EXPECT_EQ(1, string.Format(skipping, 1, 2));
+    EXPECT_STREQ("2", string.GetText());
+}
+
 TEST(BasicString, AnExplicitLengthSpansAZeroByte) {
     const CString string("ab\0cd", 5);
     EXPECT_EQ(5, string.GetLength());
@@ -165,6 +176,15 @@ TEST(BasicString, ReserveKeepsTheTextAndNeverShrinks) {
     EXPECT_STREQ("ab", string.GetText());
     string.Reserve(1);
     EXPECT_EQ(42, string.GetCapacity());
+}
+
+TEST(BasicString, GrowthKeepsWhatWasWrittenBehindTheText) {
+    CString string("hello", -1);
+    strcpy(string.GetBuffer(), "12345678901");
+    string.Reserve(20);
+    string.UpdateLength();
+    EXPECT_STREQ("12345678901", string.GetText());
+    EXPECT_EQ(11, string.GetLength());
 }
 
 TEST(BasicString, UpdateLengthMeasuresAWrittenBuffer) {

@@ -172,6 +172,34 @@ TEST_F(BoundedFormat, SnprintfEmptiesTheBufferAfterAFormattingError) {
     }
 }
 
+TEST_F(BoundedFormat, AFormatInWritableMemoryMayCountWhatWasWritten) {
+    char format[] = "ab%n-%d";
+    int count = 0;
+    EXPECT_EQ(4, sprintf_s(m_buffer, sizeof m_buffer, format, &count, 7));
+    EXPECT_EQ(2, count);
+    EXPECT_STREQ("ab-7", m_buffer);
+    for (const size_t room : {size_t{5}, _TRUNCATE}) {
+        count = 0;
+        EXPECT_EQ(4, _snprintf_s(m_buffer, sizeof m_buffer, room, format, &count, 8)) << room;
+        EXPECT_EQ(2, count) << room;
+        EXPECT_STREQ("ab-8", m_buffer) << room;
+    }
+    EXPECT_EQ(4, ForwardToVsprintf(m_buffer, sizeof m_buffer, format, &count, 9));
+    EXPECT_EQ(4, ForwardToVsnprintf(m_buffer, sizeof m_buffer, 5, format, &count, 9));
+}
+
+TEST_F(BoundedFormat, AFormatInWritableMemoryMayLeaveArgumentsOut) {
+    char format[] = "%2$d";
+    EXPECT_EQ(1, sprintf_s(m_buffer, sizeof m_buffer, format, 1, 2));
+    EXPECT_STREQ("2", m_buffer);
+    EXPECT_EQ(1, _snprintf_s(m_buffer, sizeof m_buffer, 5, format, 1, 3));
+    EXPECT_STREQ("3", m_buffer);
+    EXPECT_EQ(1, ForwardToVsprintf(m_buffer, sizeof m_buffer, format, 1, 4));
+    EXPECT_STREQ("4", m_buffer);
+    EXPECT_EQ(1, ForwardToVsnprintf(m_buffer, sizeof m_buffer, _TRUNCATE, format, 1, 5));
+    EXPECT_STREQ("5", m_buffer);
+}
+
 TEST_F(BoundedFormat, SscanfReadsWithoutBufferSizes) {
     char word[8] = "";
     char letter = '\0';
