@@ -9,7 +9,7 @@
 namespace {
 
 constexpr long kSmallestMaximum = 0x7FFFFFFF;
-constexpr long kLargerMaxima[] = {0xFFFFFFFF, 0x1FFFFFFFF, 0x3FFFFFFFF};
+constexpr long kProbedMaxima[] = {kSmallestMaximum, 0xFFFFFFFF, 0x1FFFFFFFF, 0x3FFFFFFFF};
 
 }  // namespace
 
@@ -23,10 +23,12 @@ int CPortableFile::GetMaximumFileLength(const char* path, long& maximum) {
     maximum = kSmallestMaximum;
     CBasicString<char> name = Split_GetPath(path);
     name += "/kelo_XXXXXX";
-    const CFileDescriptor file(mkstemp64(name.GetBuffer()));
-    if (!file.IsOpen()) return 1;
-    for (const long offset : kLargerMaxima) {
-        if (lseek64(file.Get(), offset, SEEK_SET) == offset) maximum = offset;
+    {
+        const CFileDescriptor file(mkstemp64(name.GetBuffer()));
+        if (!file.IsOpen()) return 1;
+        for (const long offset : kProbedMaxima) {
+            if (lseek64(file.Get(), offset, SEEK_SET) == offset) maximum = offset;
+        }
     }
     unlink(name.GetText());
     return 1;

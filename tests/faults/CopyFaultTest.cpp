@@ -83,6 +83,13 @@ TEST_F(CopyFault, ADiskThatFillsUpInTheMiddleOfABlockFailsTheCopy) {
     EXPECT_EQ(Content(m_scratch / "target").size(), 32768u);
 }
 
+TEST_F(CopyFault, AFailedWriteEndsTheCopyAfterOneMoreRead) {
+    const CFaultyCall fault({ECall::Write, ENOSPC, 1, 1});
+    EXPECT_EQ(Copy(), 0);
+    EXPECT_EQ(fault.GetCalls(), (std::vector<ECall>{ECall::Open, ECall::Open, ECall::Read, ECall::Write, ECall::Read,
+                                                    ECall::Close, ECall::Close}));
+}
+
 TEST_F(CopyFault, ASourceThatCannotBeOpenedLeavesNoTarget) {
     const CFaultyCall fault({ECall::Open, EMFILE});
     EXPECT_EQ(Copy(), 0);

@@ -92,6 +92,41 @@ TEST_F(DirectoryFault, SeeksThatFailLowerTheLargestLengthAndLeaveNoFile) {
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(m_scratch.Path()), {}), 3);
 }
 
+TEST_F(DirectoryFault, TheLargestLengthIsTheLargestOffsetThatAnySeekReached) {
+    const struct {
+        int m_nFirst;  // of the seeks that fail, of four
+        int m_nTimes;
+        long m_nMaximum;
+    } rows[] = {{1, 1, 0x3FFFFFFFF}, {2, 3, 0x7FFFFFFF},  {3, 2, 0xFFFFFFFF}, {4, 1, 0x1FFFFFFFF},
+                {2, 2, 0x3FFFFFFFF}, {2, 1, 0x3FFFFFFFF}, {5, 1, 0x3FFFFFFFF}};
+    for (const auto& row : rows) {
+        const CFaultyCall fault({ECall::Seek, EINVAL, row.m_nFirst, row.m_nTimes});
+        long maximum = 0;
+        EXPECT_EQ(CPortableFile::GetMaximumFileLength((m_scratch / "a.txt").c_str(), maximum), 1);
+        EXPECT_EQ(maximum, row.m_nMaximum) << row.m_nFirst << " " << row.m_nTimes;
+        EXPECT_EQ(fault.GetCalls(), (std::vector<ECall>{ECall::MakeTemporary, ECall::Seek, ECall::Seek, ECall::Seek,
+                                                        ECall::Seek, ECall::Close, ECall::RemoveName}));
+    }
+}
+
+TEST_F(DirectoryFault, FreeSpaceIsWhatUnprivilegedUsersMayFillInBlocks) {
+    struct statfs64 status = {};
+    status.f_bsize = 0x10000;
+    status.f_frsize = 0x200;
+    status.f_blocks = 9;
+    status.f_bfree = 8;
+    status.f_bavail = 0x300000000;
+    const CFileSystemAnswer answer(status);
+    EXPECT_EQ(CPortableFile::GetDiscFreeSpace(m_scratch.Path().c_str()), 0x3000000000000u);
+}
+
+TEST_F(DirectoryFault, WithoutATemporaryNameTheTemporaryPathIsEmpty) {
+    const CFaultyCall fault({ECall::NameTemporary, EINVAL});
+    EXPECT_STREQ(CPortableFile::GetTempPath().GetText(), "");
+    EXPECT_STREQ(CPortableFile::CreateTempName(m_scratch.Path().c_str(), "kelo").GetText(), "");
+    EXPECT_EQ(fault.GetCount(), 2);
+}
+
 TEST_F(DirectoryFault, ATreeWithAFileThatStaysIsRemovedApartFromIt) {
     RunInScratchRoot([](const CScratchRoot& root) {
         std::filesystem::create_directories(root / "tree/branch");

@@ -148,6 +148,21 @@ TEST_F(FileFault, AFailedCloseTellsTheReasonAndClosesNothingTwice) {
     EXPECT_EQ(fault.GetCount(), 1);
 }
 
+TEST_F(FileFault, ALinkThatBringsNothingMoreTheSecondTimeHasTheTextOfThen) {
+    std::filesystem::create_symlink("a text", m_scratch / "link");
+    const CPortableFile link((m_scratch / "link").c_str(), CPortableFile::OM_READ);
+    {
+        const CFaultyCall fault({ECall::ReadLink, EIO, 2, 1});
+        EXPECT_STREQ(link.ReadLink().GetText(), "");
+    }
+    {
+        const CFaultyCall fault({ECall::ReadLink, 0, 2, 1, 3});
+        EXPECT_STREQ(link.ReadLink().GetText(), "a t");
+        EXPECT_EQ(fault.GetCount(), 2);
+    }
+    EXPECT_STREQ(link.ReadLink().GetText(), "a text");
+}
+
 TEST_F(FileFault, AFileThatCannotBeRemovedTellsTheReasonAndStays) {
     const CFaultyCall fault({ECall::RemoveFile, EBUSY});
     EXPECT_EQ(m_file.DeleteFile(), EBUSY);

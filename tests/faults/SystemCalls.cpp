@@ -5,7 +5,10 @@
 #include <dlfcn.h>
 #include <errno.h>
 #include <fcntl.h>
+#include <stdio.h>
 #include <sys/types.h>
+#include <sys/vfs.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdarg>
@@ -16,6 +19,7 @@
 namespace {
 
 CFaultyCall* g_pFault = nullptr;
+const struct statfs64* g_pFileSystem = nullptr;
 
 template <typename TFunction>
 TFunction* Next(const char* name) {
@@ -42,10 +46,15 @@ CFaultyCall::CFaultyCall(const SFault& fault) : m_fault(fault) { g_pFault = this
 CFaultyCall::~CFaultyCall() { g_pFault = nullptr; }
 
 bool CFaultyCall::Strikes(ECall call) {
+    m_calls.push_back(call);
     if (call != m_fault.m_eCall) return false;
     ++m_nCount;
     return m_nCount >= m_fault.m_nFirst && m_nCount - m_fault.m_nFirst < m_fault.m_nTimes;
 }
+
+CFileSystemAnswer::CFileSystemAnswer(const struct statfs64& answer) { g_pFileSystem = &answer; }
+
+CFileSystemAnswer::~CFileSystemAnswer() { g_pFileSystem = nullptr; }
 
 extern "C" {
 
@@ -114,6 +123,25 @@ KELO_EXPORT char* __realpath_chk(const char* path, char* resolved, std::size_t /
     return next(path, resolved);
 }
 
+KELO_EXPORT ssize_t readlink(const char* path, char* text, std::size_t size) noexcept {
+    if (Fails(ECall::ReadLink, __builtin_return_address(0), &size)) return -1;
+    static const auto next = Next<ssize_t(const char*, char*, std::size_t)>("readlink");
+    return next(path, text, size);
+}
+
+KELO_EXPORT int statfs64(const char* path, struct statfs64* status) noexcept {
+    static const auto next = Next<int(const char*, struct statfs64*)>("statfs64");
+    if (g_pFileSystem == nullptr || !IsInLibrary(__builtin_return_address(0))) return next(path, status);
+    *status = *g_pFileSystem;
+    return 0;
+}
+
+KELO_EXPORT char* tempnam(const char* directory, const char* prefix) noexcept {
+    if (Fails(ECall::NameTemporary, __builtin_return_address(0))) return nullptr;
+    static const auto next = Next<char*(const char*, const char*)>("tempnam");
+    return next(directory, prefix);
+}
+
 KELO_EXPORT int mkstemp64(char* name) {
     if (Fails(ECall::MakeTemporary, __builtin_return_address(0))) return -1;
     static const auto next = Next<int(char*)>("mkstemp64");
@@ -129,6 +157,12 @@ KELO_EXPORT char* getcwd(char* buffer, std::size_t size) noexcept {
 KELO_EXPORT int remove(const char* path) noexcept {
     if (Fails(ECall::RemoveFile, __builtin_return_address(0))) return -1;
     static const auto next = Next<int(const char*)>("remove");
+    return next(path);
+}
+
+KELO_EXPORT int unlink(const char* path) noexcept {
+    if (Fails(ECall::RemoveName, __builtin_return_address(0))) return -1;
+    static const auto next = Next<int(const char*)>("unlink");
     return next(path);
 }
 

@@ -1,8 +1,11 @@
 // Faults of the system calls that the library makes.
 #pragma once
 
+#include <sys/vfs.h>
+
 #include <climits>
 #include <cstddef>
+#include <vector>
 
 enum class ECall {
     Open,
@@ -14,9 +17,12 @@ enum class ECall {
     OpenDirectory,
     ReadDirectory,
     ResolvePath,
+    ReadLink,
     MakeTemporary,
+    NameTemporary,
     CurrentDirectory,
     RemoveFile,
+    RemoveName,
     RemoveDirectory,
 };
 
@@ -41,6 +47,9 @@ public:
     // How often the library has made the call.
     int GetCount() const { return m_nCount; }
 
+    // All calls of the library, of whatever kind, in order.
+    const std::vector<ECall>& GetCalls() const { return m_calls; }
+
     // Counts a call and tells whether it is one of those that fail.
     bool Strikes(ECall call);
 
@@ -49,4 +58,15 @@ public:
 private:
     SFault m_fault;
     int m_nCount = 0;
+    std::vector<ECall> m_calls;
+};
+
+// What the library is told about a file system as long as it lives. One at a time. One thread.
+class CFileSystemAnswer {
+public:
+    explicit CFileSystemAnswer(const struct statfs64& answer);
+    ~CFileSystemAnswer();
+
+    CFileSystemAnswer(const CFileSystemAnswer&) = delete;
+    CFileSystemAnswer& operator=(const CFileSystemAnswer&) = delete;
 };
