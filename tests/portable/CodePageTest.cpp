@@ -5,6 +5,7 @@
 #include <string.h>
 
 #include <algorithm>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -86,12 +87,12 @@ protected:
 
     // The charsets that `convert` tries, in order.
     template <typename TConvert>
-    static std::vector<std::string> Attempts(const char* onlyCharset, TConvert convert) {
+    static std::vector<std::string> Attempts(const std::set<std::string>& onlyCharsets, TConvert convert) {
         IconvWatch() = {};
-        IconvWatch().m_pOnlyCharset = onlyCharset;
+        IconvWatch().m_onlyCharsets = onlyCharsets;
         convert();
         std::vector<std::string> attempts = IconvWatch().m_opened;
-        IconvWatch().m_pOnlyCharset = nullptr;
+        IconvWatch().m_onlyCharsets.clear();
         return attempts;
     }
 
@@ -181,13 +182,13 @@ TEST_F(CodePage, WideAttemptsFollowTheirOrder) {
             EXPECT_EQ(0, MultiByteToWideChar(c.m_nCodePage, 0, "a", -1, units, 2));
             EXPECT_EQ(kUntouched, units[0]) << "a failure leaves the destination";
         };
-        EXPECT_EQ(Names(true, c.m_first, c.m_nFromIndex), Attempts("<none>", convert)) << c.m_nCodePage;
+        EXPECT_EQ(Names(true, c.m_first, c.m_nFromIndex), Attempts({"<none>"}, convert)) << c.m_nCodePage;
     }
 }
 
 TEST_F(CodePage, WideAttemptsEndWithTheFirstSuccess) {
     const auto attempts = [](unsigned int codePage, const char* text) {
-        return Attempts(nullptr, [=] { EXPECT_NE(0, MultiByteToWideChar(codePage, 0, text, -1, nullptr, 0)); });
+        return Attempts({}, [=] { EXPECT_NE(0, MultiByteToWideChar(codePage, 0, text, -1, nullptr, 0)); });
     };
     using CNames = std::vector<std::string>;
     EXPECT_EQ((CNames{"WCHAR_T<UTF-8"}), attempts(kUtf8, "\xC3\xA9"));
@@ -205,8 +206,8 @@ TEST_F(CodePage, AFailedAttemptLeavesNothingInALaterResult) {
 }
 
 TEST_F(CodePage, AnyCharsetOfTheListMayBeTheOneThatReads) {
-    Attempts("EUC-KR", [] { EXPECT_EQ((CUnits{0xAC00}), ToWide(0, "\xB0\xA1")); });
-    Attempts("PT154", [] { EXPECT_EQ((CUnits{0x0416}), ToWide(kUtf8, "\xC6")); });
+    Attempts({"EUC-KR"}, [] { EXPECT_EQ((CUnits{0xAC00}), ToWide(0, "\xB0\xA1")); });
+    Attempts({"PT154"}, [] { EXPECT_EQ((CUnits{0x0416}), ToWide(kUtf8, "\xC6")); });
 }
 
 TEST_F(CodePage, WritesUtf8InEveryCodePageAndLocale) {
@@ -309,7 +310,7 @@ TEST_F(CodePage, ByteAttemptsFollowTheirOrder) {
             const unsigned short text[] = {'a', 0};
             EXPECT_EQ(0, WideCharToMultiByte(c.m_nCodePage, 0, text, -1, nullptr, 0, nullptr, nullptr));
         };
-        EXPECT_EQ(Names(false, c.m_first, c.m_nFromIndex), Attempts("<none>", convert)) << c.m_nCodePage;
+        EXPECT_EQ(Names(false, c.m_first, c.m_nFromIndex), Attempts({"<none>"}, convert)) << c.m_nCodePage;
     }
 }
 
@@ -319,14 +320,21 @@ TEST_F(CodePage, ByteAttemptsUseTheListWhereTheLocaleFails) {
         std::vector<wchar_t> wide(text.begin(), text.end());
         std::string expected(16, '\0');
         ASSERT_TRUE(ConvertWithIconv(charset.c_str(), "WCHAR_T", wide.data(), 8, expected.data(), 16));
-        Attempts(charset.c_str(), [&] { EXPECT_EQ(expected.c_str(), ToBytes(0, {'a', 0x3042})); });
+        Attempts({charset}, [&] { EXPECT_EQ(expected.c_str(), ToBytes(0, {'a', 0x3042})); });
     }
+}
+
+TEST_F(CodePage, AFailedByteAttemptLeavesNothingInALaterResult) {
+    // EUC-JP writes three bytes for each of the letters before it stops at the soft hyphen; ISO-8859-1 writes one.
+    const auto convert = [] { EXPECT_EQ("\xE9\xE9\xE9\xAD", ToBytes(0, {0xE9, 0xE9, 0xE9, 0xAD})); };
+    const std::vector<std::string> attempts = Attempts({"EUC-JP", "ISO-8859-1"}, convert);
+    EXPECT_EQ("ISO-8859-1<WCHAR_T", attempts.back());
 }
 
 TEST_F(CodePage, Utf7CodePageTriesUtf7AndWritesUtf8) {
     const auto convert = [] { EXPECT_EQ("a", ToBytes(kUtf7, {'a'})); };
     EXPECT_EQ((std::vector<std::string>{"UTF-7<WCHAR_T", "UTF-8<WCHAR_T", "UTF-7<WCHAR_T", "UTF-8<WCHAR_T"}),
-              Attempts(nullptr, convert));
+              Attempts({}, convert));
     EXPECT_EQ("plain text", ToBytes(kUtf7, {'p', 'l', 'a', 'i', 'n', ' ', 't', 'e', 'x', 't'}));
 }
 

@@ -37,6 +37,28 @@ Names NamesOf(const std::unique_ptr<CDirEntry>& entry) {
     return names;
 }
 
+// An enumeration that stands on whatever file its last step made.
+class CSteppingEntry : public CDirEntry {
+public:
+    CSteppingEntry() : CDirEntry(CPortableInvalidFile(), "*", 0, 0, 0, 2) { CSteppingEntry::ReadNextEntry(); }
+
+    const CPortableFileInfo& GetFileInfo() const override { return m_info; }
+    CPortableFile& GetFile() override { return m_ownFile; }
+
+    int m_nStepsFromNoFile = 0;
+    CPortableInvalidFile m_ownFile;
+
+protected:
+    int ReadNextEntry() override {
+        if (m_pFile == nullptr) ++m_nStepsFromNoFile;
+        m_pFile = std::make_unique<CPortableInvalidFile>();
+        return 1;
+    }
+
+private:
+    CPortableFileInfo m_info;
+};
+
 }  // namespace
 
 TEST(DirEntry, AMaskChoosesNames) {
@@ -147,6 +169,14 @@ TEST(DirEntry, AnEntryIsAnUnopenedFileInModeFourUnderItsAbsoluteName) {
     EXPECT_EQ(entry->GetFile().FileLength(), 10);
     EXPECT_EQ(&**entry, &entry->GetFile());
     EXPECT_EQ(entry->GetFilePtr(), &entry->GetFile());
+}
+
+TEST(DirEntry, ItsOperatorsGoThroughTheVirtualTableAndAStepDropsTheFileFirst) {
+    CSteppingEntry entry;
+    EXPECT_EQ(&*entry, &entry.m_ownFile);
+    EXPECT_EQ(entry.m_nStepsFromNoFile, 1);
+    entry.Next();
+    EXPECT_EQ(entry.m_nStepsFromNoFile, 2);
 }
 
 TEST(DirEntry, AfterTheEndStandsAnInvalidFile) {

@@ -53,6 +53,14 @@ TEST(DynamicLibrary, FreeingUnloadsTheModule) {
     EXPECT_EQ(nullptr, dlopen(kPlainLibrary, RTLD_NOW | RTLD_NOLOAD));
 }
 
+TEST(DynamicLibrary, AFreeingThatFailsTellsSo) {
+    // The C library stays in memory however often it is freed.
+    void* const module = LoadLibrary("libc.so.6");
+    ASSERT_NE(nullptr, module);
+    EXPECT_EQ(0, FreeLibrary(module));
+    EXPECT_NE(0, FreeLibrary(module));
+}
+
 TEST(DynamicLibrary, TheLoadersErrorIsLeftToTheCaller) {
     dlerror();
     LoadLibrary("/nonexistent/library.so");

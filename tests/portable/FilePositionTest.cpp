@@ -43,6 +43,21 @@ private:
     int m_nResult;
 };
 
+// A file that tells a position and a length of its own.
+class CBoastfulFile : public CPortableFile {
+public:
+    using CPortableFile::CPortableFile;
+
+    int GetFilePos(long* position) override {
+        *position = 200;
+        return 0;
+    }
+    int GetLength(long* length) override {
+        *length = 100;
+        return 0;
+    }
+};
+
 }  // namespace
 
 TEST_F(FilePosition, EachModeCountsFromItsOrigin) {
@@ -65,6 +80,18 @@ TEST_F(FilePosition, ANegativeOffsetBeforeTheStartIsReportedAndMovesNothing) {
         EXPECT_EQ(m_file.Status(), EINVAL) << mode;
         EXPECT_EQ(Position(), 5) << mode;
     }
+}
+
+TEST(FilePositionOfSubclass, ANegativeOffsetCountsFromWhatTheVirtualTableTells) {
+    const CScratchDirectory scratch;
+    CBoastfulFile file(scratch.Write("f", "0123456789").c_str(), CPortableFile::OM_READ);
+    long position = 0;
+    EXPECT_EQ(file.SetFilePos(PFile::PM_CURRENT, -3), 0);
+    EXPECT_EQ(file.CPortableFile::GetFilePos(&position), 0);
+    EXPECT_EQ(position, 197);
+    EXPECT_EQ(file.SetFilePos(PFile::PM_END, -3), 0);
+    EXPECT_EQ(file.CPortableFile::GetFilePos(&position), 0);
+    EXPECT_EQ(position, 97);
 }
 
 TEST(FilePositionOfPipe, AFailedSeekForwardsGoesUnreported) {

@@ -4,7 +4,6 @@
 #include <dlfcn.h>
 #include <errno.h>
 #include <iconv.h>
-#include <string.h>
 
 #include "portable/Export.h"
 
@@ -16,8 +15,8 @@ TFunction* NextFunction(const char* name) {
 }
 
 bool IsRefused(const char* to, const char* from) {
-    const char* const only = IconvWatch().m_pOnlyCharset;
-    return only != nullptr && strcmp(only, to) != 0 && strcmp(only, from) != 0;
+    const std::set<std::string>& only = IconvWatch().m_onlyCharsets;
+    return !only.empty() && only.count(to) == 0 && only.count(from) == 0;
 }
 
 }  // namespace

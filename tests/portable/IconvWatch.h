@@ -1,6 +1,7 @@
 // Stands between the library and iconv: notes which converters are opened and can refuse to open them.
 #pragma once
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -9,8 +10,8 @@ struct SIconvWatch {
     std::vector<std::string> m_opened;
     // Converters that are open.
     int m_nOpen = 0;
-    // Refuses every charset but this one, unless null. "<none>" is no charset.
-    const char* m_pOnlyCharset = nullptr;
+    // Refuses every charset but these, unless empty. "<none>" is no charset.
+    std::set<std::string> m_onlyCharsets;
 };
 
 // The watch of this process.

@@ -63,6 +63,13 @@ TEST_F(SyncTime, ASecondIsBorrowedForLargerMicroseconds) {
     }
 }
 
+TEST_F(SyncTime, AStartInTheFutureCountsUpToZero) {
+    StartBefore(-10, 0);
+    const unsigned int ticks = CPortableTime::GetSyncTime();
+    EXPECT_GE(ticks, 0u - 10000u);
+    EXPECT_LT(ticks, 0u - 5000u);
+}
+
 TEST_F(SyncTime, ItWrapsAt32Bits) {
     StartBefore(4294967, 300000);  // 2^32 ms are 4294967.296 s
     const unsigned int ticks = CPortableTime::GetSyncTime();

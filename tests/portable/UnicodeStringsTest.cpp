@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "portable/UnicodeStrings.h"
+#include "tests/portable/IconvWatch.h"
 
 namespace {
 
@@ -178,6 +179,14 @@ TEST_F(UnicodeStrings, ConvertUsesTheLocale) {
     EXPECT_EQ((CElements{'a', 'b'}), Elements(wide));
 }
 
+TEST_F(UnicodeStrings, ConvertAsksForTheLocaleFirstAndForNoCodePage) {
+    const unsigned short source[] = {'a', 0};
+    char bytes[2];
+    IconvWatch() = {};
+    EXPECT_EQ(bytes, (ConvertUnicode<unsigned short, char>(source, bytes, -1)));
+    EXPECT_EQ((std::vector<std::string>{"<WCHAR_T", "<WCHAR_T"}), IconvWatch().m_opened) << "measured and written";
+}
+
 TEST_F(UnicodeStrings, ToMultiByteConvertsEveryElementType) {
     const unsigned short units[] = {'a', 0xE9, 0};
     char bytes[16];
@@ -213,6 +222,21 @@ TEST_F(UnicodeStrings, FromMultiByteConvertsToEveryElementType) {
     EXPECT_STREQ("a\xAC", bytes);
     const std::unique_ptr<unsigned short[]> made(ConvertUnicodeFromMultiByte<unsigned short>(kUtf8, text, nullptr, -1));
     EXPECT_EQ((CElements{'a', 0x20AC}), Elements(made.get()));
+}
+
+TEST_F(UnicodeStrings, FromMultiByteFailsWhereNoCharsetTakesTheText) {
+    char byte = '#';
+    unsigned short unit = '#';
+    wchar_t wide = '#';
+    IconvWatch().m_onlyCharsets = {"<none>"};
+    EXPECT_EQ(nullptr, ConvertUnicodeFromMultiByte<char>(kUtf8, "a", &byte, -1));
+    EXPECT_EQ(nullptr, ConvertUnicodeFromMultiByte<unsigned short>(kUtf8, "a", &unit, -1));
+    EXPECT_EQ(nullptr, ConvertUnicodeFromMultiByte<wchar_t>(kUtf8, "a", &wide, -1));
+    EXPECT_EQ(nullptr, ConvertUnicodeFromMultiByte<char>(kUtf8, "a", nullptr, -1));
+    IconvWatch().m_onlyCharsets.clear();
+    EXPECT_EQ('#', byte);
+    EXPECT_EQ('#', unit);
+    EXPECT_EQ(L'#', wide);
 }
 
 TEST_F(UnicodeStrings, FromMultiByteLimitsBytesAndElementsAlike) {
