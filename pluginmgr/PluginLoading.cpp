@@ -49,6 +49,15 @@ struct SModuleCloser {
     void operator()(void* module) const noexcept { FreeLibrary(module); }
 };
 
+// After an int of a library's static initialisers: glibc keeps such a library, and would give it out uninitialised when
+// it is opened again. Its lock stays with this thread, which goes on loading; dlopen in another thread does not return.
+void CloseUninitialized(const char* path) {
+    void* const module = LoadLibrary(path);
+    if (module == nullptr) return;
+    FreeLibrary(module);
+    FreeLibrary(module);  // the handle that the exception kept from the caller
+}
+
 // Makes `directory` the current one and returns to the old one at its end.
 class CCurrentDirectory {
 public:
@@ -111,17 +120,22 @@ void CAudioPluginMgr::ScanPluginDirectory() {
 
 void CAudioPluginMgr::LoadPluginFile(const char* path) {
     const std::size_t componentsBefore = m_vComponents.size();
-    m_vLibraries.reserve(m_vLibraries.size() + 1);
-    std::unique_ptr<void, SModuleCloser> module(LoadLibrary(path));
-    // Listed before it is asked: a library whose code throws something other than an int must stay open, since the
-    // exception may live in it.
-    m_vLibraries.push_back(new CAudioPluginLib(path, module.get()));
-    static_cast<void>(module.release());
+    const std::size_t librariesBefore = m_vLibraries.size();
+    m_vLibraries.reserve(librariesBefore + 1);
     try {
+        std::unique_ptr<void, SModuleCloser> module(LoadLibrary(path));
+        // Listed before it is asked: a library whose code throws something other than an int must stay open, since the
+        // exception may live in it.
+        m_vLibraries.push_back(new CAudioPluginLib(path, module.get()));
+        static_cast<void>(module.release());
         if (!m_vLibraries.back()->IsOK()) throw 0;
         RegisterPrimaryComponent(*m_vLibraries.back(), path);
     } catch (int) {
-        DiscardLastLibrary(componentsBefore);
+        if (m_vLibraries.size() == librariesBefore) {
+            CloseUninitialized(path);
+        } else {
+            DiscardLastLibrary(componentsBefore);
+        }
     }
 }
 

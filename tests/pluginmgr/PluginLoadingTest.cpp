@@ -178,6 +178,25 @@ TEST(LoadPlugins, AnIntDuringRegistrationRejectsThePluginAndForgetsItsComponents
     EXPECT_NE(std::find(log.begin(), log.end(), "type_throws_int unloaded"), log.end());
 }
 
+TEST(LoadPlugins, AnIntOfAStaticInitialiserRejectsThePluginAtEveryLoad) {
+    const CPluginDirectory plugins({});
+    plugins.Add("decoder", "a.so");
+    plugins.Add("initializer_throws_int", "b.so");
+    plugins.Add("decoder", "c.so");
+    plugins.Add("initializer_throws_int", "d.so");
+    plugins.Add("decoder", "e.so");
+    const auto manager = ObtainManager();
+    manager->SetPluginDirectory(plugins.Path().c_str());
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_TRUE(manager->LoadPlugins());
+        EXPECT_EQ(ComponentNames(*manager), (Lines{"decoder", "decoder", "decoder"}));
+        EXPECT_FALSE(IsMapped(plugins.File("b.so")));
+        EXPECT_FALSE(IsMapped(plugins.File("d.so")));
+        EXPECT_TRUE(manager->UnloadPlugins());
+        EXPECT_TRUE(IsCreationLockFree());
+    }
+}
+
 TEST(LoadPlugins, AnotherExceptionPassesWithTheCreationLockStillHeld) {
     const CPluginDirectory plugins({"primary_throws_exception"});
     const auto manager = ObtainManager();

@@ -51,8 +51,8 @@ TEST(UnloadingSoak, PluginsOfEveryKindLeaveNothingBehind) {
 }
 
 TEST(UnloadingSoak, RefusedPluginsLeaveNothingBehind) {
-    const CPluginDirectory plugins({"lacks_primary", "lacks_ready", "null_primary", "primary_throws_int",
-                                    "refuses_primary", "type_throws_int", "unresolved"});
+    const CPluginDirectory plugins({"initializer_throws_int", "lacks_primary", "lacks_ready", "null_primary",
+                                    "primary_throws_int", "refuses_primary", "type_throws_int", "unresolved"});
     std::ofstream(plugins.File("text.so")) << "no shared object\n";
     ExpectFlatUse(plugins, 0);
 }
