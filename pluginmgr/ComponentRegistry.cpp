@@ -15,6 +15,23 @@ void MakeRoom(std::vector<T>& list) {
     if (list.size() == list.capacity()) list.reserve(2 * list.size() + 1);
 }
 
+using ComponentOrder = std::vector<CBasicString<char>>;
+
+ComponentOrder CopyOrder(CPosixMutex& mutex, const ComponentOrder& order) {
+    const CPosixSingleLock lock(&mutex, 1);
+    return order;
+}
+
+bool IsSame(const CBasicString<char>& left, const CBasicString<char>& right) {
+    return UnicodeStringCmp<char>(left.GetText(), right.GetText(), -1) == 0;
+}
+
+// Keeps the entries that named a decoder, unless somebody set another order meanwhile.
+void PruneOrder(CPosixMutex& mutex, ComponentOrder& order, const ComponentOrder& seen, ComponentOrder& kept) {
+    const CPosixSingleLock lock(&mutex, 1);
+    if (std::equal(order.begin(), order.end(), seen.begin(), seen.end(), IsSame)) order.swap(kept);
+}
+
 }  // namespace
 
 void CAudioPluginMgr::AddComponent(IAudioComponent* component, const char* libraryFileName, int index) {
@@ -84,27 +101,25 @@ std::vector<CComPtr<IAudioComponent>> CAudioPluginMgr::ListDecoders() {
     return decoders;
 }
 
+// Components are called without the lock of the order: their code may wait for a thread that wants it.
 bool CAudioPluginMgr::Get(EAudioComponentType type, IComponentEnum** components) {
     if (components == nullptr || type != ACT_DECODER) return false;
     auto list = CComPtr<CComponentEnum>::Adopt(new CComponentEnum);
     std::vector<CComPtr<IAudioComponent>> unused = ListDecoders();
-    const CPosixSingleLock lock(&m_mtxComponentOrder, 1);
-
     // Without any decoder the order stays as it is.
-    const bool prunes = !unused.empty();
-    for (auto wanted = m_vComponentOrder.begin(); prunes && wanted != m_vComponentOrder.end();) {
+    const ComponentOrder order = unused.empty() ? ComponentOrder() : CopyOrder(m_mtxComponentOrder, m_vComponentOrder);
+    ComponentOrder kept;
+    for (const CBasicString<char>& wanted : order) {
         const auto match = std::find_if(unused.begin(), unused.end(), [&](const CComPtr<IAudioComponent>& decoder) {
-            return UnicodeStringCmp<char>(GetComponentStringID(decoder.Get()).GetText(), wanted->GetText(), -1) == 0;
+            return IsSame(GetComponentStringID(decoder.Get()), wanted);
         });
-        if (match == unused.end()) {
-            wanted = m_vComponentOrder.erase(wanted);
-            continue;
-        }
+        if (match == unused.end()) continue;
         list->Add(match->Get());
         unused.erase(match);
-        ++wanted;
+        kept.push_back(wanted);
     }
     for (const CComPtr<IAudioComponent>& decoder : unused) list->Add(decoder.Get());
+    PruneOrder(m_mtxComponentOrder, m_vComponentOrder, order, kept);
     *components = list.Detach();
     return true;
 }

@@ -1,6 +1,8 @@
 // The registry of components, their identities and their order.
 #include <gtest/gtest.h>
 
+#include <thread>
+
 #include "com/InterfaceIds.h"
 #include "com/QueryTable.h"
 #include "tests/pluginmgr/Manager.h"
@@ -87,6 +89,15 @@ TEST(AddComponent, TakesOverTheCallersReference) {
     manager->AddComponent(component.HandOver(), "enc.so", 0);
     EXPECT_EQ(component.m_nReferences, 1U);
     EXPECT_EQ(manager->GetCount(), 1);
+}
+
+TEST(AddComponent, KeepsTheFirstIdentityOfAComponentThatIsRegisteredTwice) {
+    const auto manager = ObtainManager();
+    CCountedComponent component(ACT_ENCODER);
+    manager->AddComponent(component.HandOver(), "first.so", 0);
+    manager->AddComponent(component.HandOver(), "second.so", 1);
+    EXPECT_EQ(manager->GetCount(), 2);
+    EXPECT_STREQ(manager->GetComponentStringID(&component).GetText(), "first.so*0");
 }
 
 TEST(AddComponent, IgnoresNull) {
@@ -270,6 +281,68 @@ TEST(Get, TakesEachDecoderOnceHoweverOftenTheOrderNamesIt) {
     const char* const order[] = {"third.so*0", "third.so*0", "first.so*0"};
     manager->SetComponentOrder(order, 3);
     EXPECT_EQ(Decoders(*manager), (Names{"third", "first", "second"}));
+}
+
+TEST(Get, TakesTheFirstUnusedOneOfSeveralDecodersWithTheSameIdentity) {
+    const CThreeDecoders manager;
+    CCountedComponent twin(ACT_DECODER, "twin of first");
+    manager->AddComponent(twin.HandOver(), "first.so", 0);
+    const char* const order[] = {"first.so*0", "third.so*0", "first.so*0"};
+    manager->SetComponentOrder(order, 3);
+    // A second listing finds both entries again.
+    for (int listing = 0; listing < 2; ++listing) {
+        EXPECT_EQ(Decoders(*manager), (Names{"first", "third", "twin of first", "second"}));
+    }
+}
+
+TEST(Get, ComparesIdentitiesWithRegardToCase) {
+    const CThreeDecoders manager;
+    const char* const order[] = {"THIRD.so*0"};
+    manager->SetComponentOrder(order, 1);
+    EXPECT_EQ(Decoders(*manager), (Names{"first", "second", "third"}));
+}
+
+// A decoder whose references wait for another thread, which lists the decoders and sets their order.
+class CWaitingDecoder : public CCountedComponent {
+public:
+    explicit CWaitingDecoder(CAudioPluginMgr& manager)
+        : CCountedComponent(ACT_DECODER, "waiting"), m_manager(manager) {}
+
+    unsigned int AddRef() override {
+        WaitForOtherThread();
+        return CCountedComponent::AddRef();
+    }
+    unsigned int Release() override {
+        WaitForOtherThread();
+        return CCountedComponent::Release();
+    }
+
+    std::thread::id m_waits;  // the thread that waits
+
+private:
+    void WaitForOtherThread() {
+        if (std::this_thread::get_id() != m_waits) return;
+        std::thread([this] {
+            EXPECT_EQ(Decoders(m_manager).size(), 4U);
+            const char* const order[] = {"third.so*0"};
+            m_manager.SetComponentOrder(order, 1);
+        }).join();
+    }
+
+    CAudioPluginMgr& m_manager;
+};
+
+TEST(Get, CallsComponentsWithoutALockAndKeepsAnOrderThatWasSetMeanwhile) {
+    const CThreeDecoders manager;
+    CWaitingDecoder waiting(*manager);
+    manager->AddComponent(waiting.HandOver(), "waiting.so", 0);
+    const char* const order[] = {"waiting.so*0", "gone.so*0"};
+    manager->SetComponentOrder(order, 2);
+    waiting.m_waits = std::this_thread::get_id();
+    CComPtr<IComponentEnum> decoders;
+    EXPECT_TRUE(manager->Get(ACT_DECODER, decoders.Out()));
+    waiting.m_waits = {};
+    EXPECT_EQ(Decoders(*manager), (Names{"third", "first", "second", "waiting"}));
 }
 
 TEST(Get, KeepsTheOrderWhileThereIsNoDecoder) {
