@@ -59,6 +59,10 @@ TEST_F(ArtistTitle, OtherwiseTheLastPunctuationSeparates) {
                     {"/m/Band~Song~Live.wav", "Band", "Song~Live"}});
 }
 
+TEST_F(ArtistTitle, ALetterOfSeveralBytesIsPunctuationAndSplitsAtItsLastByte) {
+    ExpectNames(0, {{"/m/Mot\xC3\xB6rhead Live.wav", "Mot\xC3", "rhead Live"}});
+}
+
 TEST_F(ArtistTitle, ApostrophesAndSpacesDoNotSeparate) {
     ExpectNames(0, {{"/m/Band Song.wav", "", "Band Song"}, {"/m/Don't Stop.wav", "", "Don't Stop"}});
 }

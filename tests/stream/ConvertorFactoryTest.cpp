@@ -62,6 +62,14 @@ TEST_F(ConvertorFactory, InstallingItAgainChangesNothing) {
     EXPECT_EQ(Installed(), &m_factory);
 }
 
+TEST_F(ConvertorFactory, InstallingItAgainNeverGivesTheLastReferenceBack) {
+    InstallFactory();
+    m_factory.Release();  // the manager's is the only one
+    InstallFactory();
+    EXPECT_FALSE(m_factory.m_bEnded);
+    EXPECT_EQ(m_factory.References(), 1U);
+}
+
 TEST_F(ConvertorFactory, AnotherFactoryTakesItsPlace) {
     InstallFactory();
     support::CFakeConvertorFactory other;

@@ -47,13 +47,11 @@ protected:
         return m_log.After("open ");
     }
 
-    // Only the registry's own references are left, and no opener is held.
+    // Only the registry's own references are left, and no opener or handler is held.
     void ExpectNothingHeld() {
         for (CFakeComponent* const component : m_vRegistered) {
             EXPECT_EQ(component->References(), 1U) << component->GetName();
-            auto* const decoder = dynamic_cast<CFakeDecoderComponent*>(component);
-            if (decoder == nullptr) continue;
-            EXPECT_EQ(decoder->m_opener.References(), 0U) << component->GetName();
+            EXPECT_EQ(component->FaceReferences(), 0U) << component->GetName();
         }
         EXPECT_EQ(CCountedStatus::Alive(), 0);
     }

@@ -289,10 +289,10 @@ TEST(ExtensionListSlots, AreCountAndItem) {
 TEST(HandlerSlots, AreProtocolsAndFetch) {
     support::CFakeURLHandler handler("handler", 6);
     handler.m_localPath = "/local";
-    void* const face = static_cast<IURLSourceHandler*>(&handler);
-    EXPECT_EQ(CallSlot<unsigned int>(face, 3), 6U);
+    const auto face = CComPtr<IURLSourceHandler>::Query(&handler, IID_IURLSourceHandler);
+    EXPECT_EQ(CallSlot<unsigned int>(face.Get(), 3), 6U);
     char path[kLocalPathCapacity];
-    EXPECT_TRUE((CallSlot<bool, const char*, char*, int, IStatus**>(face, 4, "http://x", path, 0, nullptr)));
+    EXPECT_TRUE((CallSlot<bool, const char*, char*, int, IStatus**>(face.Get(), 4, "http://x", path, 0, nullptr)));
     EXPECT_STREQ(path, "/local");
 }
 

@@ -62,6 +62,11 @@ TEST_F(SourceChoice, APathWithoutExtensionMatchesNoDecoder) {
     EXPECT_EQ(Tried(path, -1), (Names{"ogg", "wav", "both", "none"}));
 }
 
+TEST_F(SourceChoice, ADotAtTheEndIsTheEmptyExtension) {
+    m_none.m_extensions = {""};
+    EXPECT_EQ(Tried(m_directory.Write("song.", "x"), 0), Names{"none"});
+}
+
 TEST_F(SourceChoice, OnlyTheLastExtensionCounts) {
     EXPECT_EQ(Tried(m_directory.Write("song.wav.ogg", "x"), 0), (Names{"ogg", "both"}));
 }

@@ -4,6 +4,7 @@
 
 #include "stream/SrcConvAggregator.h"
 #include "tests/stream/OpeningFixture.h"
+#include "tests/support/ProcessUse.h"
 
 namespace {
 
@@ -66,6 +67,16 @@ TEST_F(SourceOpening, AFileThatCannotBeReadTellsTheSystemsReasonAndLeavesTheStre
         EXPECT_FALSE(m_manager->OpenURLAudioFile(path.c_str(), &m_pStream, -1, AUX_NONE, AUX_NONE, nullptr));
     }
     EXPECT_TRUE(m_log.Lines().empty());
+}
+
+TEST_F(SourceOpening, TheFileIsClosedAgainBeforeADecoderIsAsked) {
+    Register({&m_first});
+    const std::size_t before = support::MeasureUse().m_nDescriptors;
+    std::vector<std::size_t> during;
+    m_first.m_onCall = [&](const char*) { during.push_back(support::MeasureUse().m_nDescriptors); };
+    EXPECT_TRUE(Open(m_song));
+    ASSERT_FALSE(during.empty());
+    for (const std::size_t descriptors : during) EXPECT_EQ(descriptors, before);
 }
 
 TEST_F(SourceOpening, WithoutAnyDecoderThereIsNoneForTheFile) {

@@ -27,6 +27,11 @@ protected:
         m_second.m_localPath = m_song;
     }
 
+    unsigned int ManagerReferences() const {
+        m_manager->AddRef();
+        return m_manager->Release();
+    }
+
     CFakeDecoderComponent m_wav{"wav", {"wav"}};
     CFakeDecoderComponent m_ogg{"ogg", {"ogg"}};
     CFakeURLHandler m_handler{"handler", URL_HTTP | URL_FTP};
@@ -158,6 +163,26 @@ TEST_F(SourceRemote, AStatusOfTheHandlersReachesTheCallerOnSuccess) {
     ExpectNothingHeld();
 }
 
+TEST_F(SourceRemote, AHandlerThatClearsTheStatusLeavesNone) {
+    Register({&m_wav, &m_handler, &m_second});
+    m_handler.m_fetch = {EOutcome::Fails, "slow"};
+    IStatus* status = nullptr;
+    m_second.m_onCall = [&](const std::string& call) {
+        if (call == "fetch") status = nullptr;
+    };
+    EXPECT_TRUE(Open(kHttp, -1, &status));
+    EXPECT_EQ(status, nullptr);
+    ExpectNothingHeld();
+
+    m_handler.m_fetch.m_pReason = nullptr;
+    const auto before = CComPtr<IStatus>::Adopt(new support::CCountedStatus("before"));
+    status = before.Get();
+    m_second.m_fetch.m_pReason = "from the cache";
+    EXPECT_TRUE(Open(kHttp, -1, &status));
+    EXPECT_STREQ(TextOf(CComPtr<IStatus>::Adopt(status)), "from the cache");
+    EXPECT_EQ(support::CCountedStatus::Alive(), 1);  // the caller's own
+}
+
 TEST_F(SourceRemote, TheFailureOfTheFetchedFileIsTheFailure) {
     Register({&m_wav, &m_handler});
     m_handler.m_fetch.m_pReason = "from the cache";
@@ -210,6 +235,42 @@ TEST_F(SourceRemote, AnExceptionOfAHandlerLeavesItsStatusAlone) {
     EXPECT_STREQ(TextOf(status), "broken");
     status.Reset();
     ExpectNothingHeld();
+}
+
+TEST_F(SourceRemote, HandlerComponentAndManagerAreHeldUntilTheFileIsOpenedAndReleasedInThisOrder) {
+    Register({&m_wav, &m_handler});
+    const unsigned int before = ManagerReferences();
+    m_handler.m_onCall = [&](const std::string& call) {
+        m_log.Note(call + ", " + std::to_string(ManagerReferences() - before) + " of the manager");
+    };
+    m_wav.m_onCall = [&](const std::string& call) {
+        if (call != "opener state") return;
+        EXPECT_EQ(m_log.Count("protocols, 1 of the manager"), 1);
+        m_log.Clear();
+    };
+    EXPECT_TRUE(Open(kHttp));
+    const std::vector<std::string> expected{"open wav", "release handler, 1 of the manager",
+                                            "release component, 1 of the manager"};
+    EXPECT_EQ(m_log.Lines(), expected);
+    EXPECT_EQ(ManagerReferences(), before);
+}
+
+TEST_F(SourceRemote, NothingStaysHeldWhenACallOfAPlugInThrows) {
+    Register({&m_wav, &m_handler});
+    const std::pair<support::CFakeComponent*, std::string> kTable[] = {
+        {&m_handler, "query"}, {&m_handler, "protocols"}, {&m_wav, "query"},           {&m_wav, "opener state"},
+        {&m_wav, "extension"}, {&m_wav, "capabilities"},  {&m_wav, "query extensions"}};
+    const unsigned int before = ManagerReferences();
+    for (const auto& [component, failing] : kTable) {
+        SCOPED_TRACE(failing);
+        component->m_onCall = [&call = failing](const std::string& made) {
+            if (made == call) throw 5;
+        };
+        EXPECT_THROW(Open(kHttp), int);
+        component->m_onCall = nullptr;
+        EXPECT_EQ(ManagerReferences(), before);
+        ExpectNothingHeld();
+    }
 }
 
 TEST_F(SourceRemote, AFetchedFileIsWrappedAsALocalOneIs) {

@@ -1,6 +1,8 @@
 // Construction of a source: required interfaces, formats, interfaces that hosts may ask for.
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include "stream/SrcConvAggregator.h"
 #include "tests/stream/SourceFixture.h"
 #include "tests/support/FakeManager.h"
@@ -175,6 +177,16 @@ TEST_F(SrcConvAggregator, AQualifierAloneNeedsAConvertor) {
     EXPECT_EQ(m_factory.m_createCalls[0].m_from.m_format, m_factory.m_createCalls[0].m_to.m_format);
     EXPECT_EQ(m_factory.m_createCalls[0].m_from.m_nQualifier, 5);
     EXPECT_EQ(m_factory.m_createCalls[0].m_to.m_nQualifier, 0);
+}
+
+TEST_F(SrcConvAggregator, TheReservedWordsBehindTheRealFormatAreZeroWhateverTheDecoderHasThere) {
+    EnableAdvancedFormats();
+    SAdvancedWavFormat seen{{}, {9, 9, 9, 9, 9}};
+    m_factory.m_onCreate = [&](const SWavFormat* from) { std::memcpy(&seen, from, sizeof seen); };
+    ASSERT_TRUE(Wrap(kStudio));
+    ASSERT_TRUE(m_pAggregator->Start(nullptr));
+    EXPECT_TRUE(seen.m_held == m_script.m_advanced.m_held);
+    for (const std::int32_t word : seen.m_nReserved) EXPECT_EQ(word, 0);
 }
 
 TEST_F(SrcConvAggregator, AnswersItsOwnInterfacesWithItsOwnFaces) {

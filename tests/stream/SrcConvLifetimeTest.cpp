@@ -85,6 +85,21 @@ TEST_F(SrcConvLifetime, AFailingFactoryEndsTheDecoderAndPassesItsStatus) {
     EXPECT_EQ(CCountedStatus::Alive(), 0);
 }
 
+TEST_F(SrcConvLifetime, OfSeveralStatusesInAFailedStartTheLastIsTheCallers) {
+    InstallFactory();
+    m_script.m_start.m_pReason = "late";
+    m_factory.m_create = {EOutcome::Fails, "no such rate"};
+    for (const char* const ending : {"ended", static_cast<const char*>(nullptr)}) {
+        m_script.m_end.m_pReason = ending;
+        CComPtr<IStatus> status;
+        EXPECT_FALSE(StartStudio(status.Out()));
+        EXPECT_STREQ(TextOf(status), ending != nullptr ? ending : "no such rate");
+        EXPECT_EQ(CCountedStatus::Alive(), 1);
+        Close();
+    }
+    EXPECT_EQ(CCountedStatus::Alive(), 0);
+}
+
 TEST_F(SrcConvLifetime, AFactoryThatYieldsNoConvertorFails) {
     InstallFactory();
     m_factory.m_bYields = false;
@@ -107,10 +122,12 @@ TEST_F(SrcConvLifetime, AFailedStartMayBeTriedAgain) {
     EXPECT_TRUE(m_pAggregator->End(nullptr));
 }
 
-TEST_F(SrcConvLifetime, EndReleasesTheConvertor) {
+TEST_F(SrcConvLifetime, EndReleasesTheConvertorAfterTheDecodersEnd) {
     StartConverting(kStudio);
+    m_script.m_log.Clear();
     EXPECT_TRUE(m_pAggregator->End(nullptr));
     EXPECT_EQ(m_factory.m_convertor.m_nAlive, 0);
+    EXPECT_EQ(m_script.m_log.Lines(), (std::vector<std::string>{"end", "release convertor"}));
 }
 
 TEST_F(SrcConvLifetime, AFailingEndKeepsTheConvertorAndPassesTheStatus) {

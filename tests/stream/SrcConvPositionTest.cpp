@@ -103,11 +103,14 @@ TEST_F(SrcConvPosition, SeeksToTheLow32BitsTimesTheRateRatio) {
     }
 }
 
-TEST_F(SrcConvPosition, SeekAnswersWhatTheDecoderAnswers) {
+TEST_F(SrcConvPosition, SeekPassesTheStatusAndAnswersWhatTheDecoderAnswers) {
     ASSERT_TRUE(Wrap(nullptr));
     m_script.m_bSeekResult = false;
-    EXPECT_FALSE(m_pAggregator->Seek(1, nullptr));
+    CComPtr<IStatus> status;
+    IStatus** const out = status.Out();
+    EXPECT_FALSE(m_pAggregator->Seek(1, out));
     EXPECT_EQ(m_script.m_seeks.size(), 1U);
+    EXPECT_EQ(m_script.m_ppSeekStatus, out);
 }
 
 TEST_F(SrcConvPosition, SeekWithoutASeekableDecoderFails) {

@@ -137,6 +137,7 @@ TEST_F(SrcConvReading, AConvertingReadRunsThroughTheConvertor) {
     ASSERT_EQ(m_script.m_readCalls.size(), 1U);
     const support::SReadCall& read = m_script.m_readCalls[0];
     EXPECT_NE(read.m_pBuffer, m_buffer.data());
+    EXPECT_EQ(read.m_pRead, &m_nRead);
     EXPECT_EQ(read.m_eState, ARS_MORE);
     EXPECT_EQ(read.m_ppStatus, out);
     ASSERT_EQ(m_factory.m_convertor.m_convertCalls.size(), 1U);
@@ -144,6 +145,7 @@ TEST_F(SrcConvReading, AConvertingReadRunsThroughTheConvertor) {
     EXPECT_EQ(convert.m_pData, read.m_pBuffer);
     EXPECT_EQ(convert.m_bytes.size(), 24U);
     EXPECT_EQ(convert.m_nFlags, 0);
+    EXPECT_EQ(m_script.m_log.After("output "), (std::vector<std::string>{"length", "data"}));
     EXPECT_EQ(m_nRead, 25);
     EXPECT_EQ(m_buffer[0], 100);
     EXPECT_EQ(m_buffer[23], 123);

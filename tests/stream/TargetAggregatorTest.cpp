@@ -22,6 +22,25 @@ TEST_F(TargetAggregator, TheFactoryGetsTheHostsFormat) {
     EXPECT_EQ(m_pTarget->GetRawFormat(), kStudio);
 }
 
+TEST_F(TargetAggregator, TheFactoryGetsTheCallersOwnPointers) {
+    CComPtr<IStatus> status;
+    IStatus** const out = status.Out();
+    ASSERT_TRUE(Create(kStudio, out));
+    EXPECT_EQ(m_targets.m_ppStream, &m_pStream);
+    EXPECT_EQ(m_targets.m_ppStatus, out);
+}
+
+TEST_F(TargetAggregator, AFactoryThatThrowsFailsAndPassesItsStatus) {
+    for (const EOutcome outcome : {EOutcome::ThrowsInt, EOutcome::ThrowsException}) {
+        m_targets.m_create = {outcome, "disk gone"};
+        CComPtr<IStatus> status;
+        EXPECT_FALSE(Create(kCompactDisc, status.Out()));
+        EXPECT_STREQ(TextOf(status), "disk gone");
+        EXPECT_EQ(m_pStream, nullptr);
+    }
+    EXPECT_EQ(CCountedStatus::Alive(), 0);
+}
+
 TEST_F(TargetAggregator, AFailingFactoryPassesItsStatus) {
     m_targets.m_create = {EOutcome::Fails, "disk full"};
     CComPtr<IStatus> status;

@@ -1,6 +1,8 @@
 // Start, end and writes of a target.
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include "tests/stream/TargetFixture.h"
 
 namespace {
@@ -41,6 +43,18 @@ TEST_F(TargetWriting, DifferentFormatsStartWithAConvertorFromHostToEncoder) {
     EXPECT_TRUE(m_factory.m_createCalls[0].m_to == (SHeldWavFormat{kCompactDisc, 0}));
     EXPECT_EQ(m_factory.m_createCalls[0].m_ppStatus, nullptr);
     EXPECT_EQ(m_factory.m_nReservedCalls, 0);
+}
+
+TEST_F(TargetWriting, TheFactoryGetsTheCallersStatusPointerAndZeroReservedWords) {
+    InstallFactory();
+    SAdvancedWavFormat seen{{}, {9, 9, 9, 9, 9}};
+    m_factory.m_onCreate = [&](const SWavFormat* from) { std::memcpy(&seen, from, sizeof seen); };
+    ASSERT_TRUE(Create(kStudio));
+    CComPtr<IStatus> status;
+    IStatus** const out = status.Out();
+    ASSERT_TRUE(m_pTarget->Start(out));
+    EXPECT_EQ(m_factory.m_createCalls.at(0).m_ppStatus, out);
+    for (const std::int32_t word : seen.m_nReserved) EXPECT_EQ(word, 0);
 }
 
 TEST_F(TargetWriting, EachFieldOfTheFormatDecidesAboutConversion) {
@@ -107,6 +121,17 @@ TEST_F(TargetWriting, AStatusOfASucceedingFactoryReachesTheCaller) {
     EXPECT_STREQ(TextOf(status), "with loss");
 }
 
+TEST_F(TargetWriting, AStatusOfTheEncodersStartTakesThePlaceOfTheFactorys) {
+    InstallFactory();
+    m_factory.m_create.m_pReason = "with loss";
+    m_script.m_start.m_pReason = "slow device";
+    ASSERT_TRUE(Create(kStudio));
+    CComPtr<IStatus> status;
+    EXPECT_TRUE(m_pTarget->Start(status.Out()));
+    EXPECT_STREQ(TextOf(status), "slow device");
+    EXPECT_EQ(CCountedStatus::Alive(), 1);
+}
+
 TEST_F(TargetWriting, AFailingEncoderStartDropsTheConvertorAndPassesTheStatus) {
     InstallFactory(3);
     ASSERT_TRUE(Create(kStudio));
@@ -136,10 +161,12 @@ TEST_F(TargetWriting, AnExceptionOfTheEncodersFormatDoesNotLeaveStart) {
     EXPECT_FALSE(m_pTarget->Start(nullptr));
 }
 
-TEST_F(TargetWriting, EndReleasesTheConvertor) {
+TEST_F(TargetWriting, EndReleasesTheConvertorAfterTheEncodersEnd) {
     StartConverting(kStudio);
+    m_script.m_log.Clear();
     EXPECT_TRUE(m_pTarget->End(nullptr));
     EXPECT_EQ(m_factory.m_convertor.m_nAlive, 0);
+    EXPECT_EQ(m_script.m_log.Lines(), (std::vector<std::string>{"end", "release convertor"}));
 }
 
 TEST_F(TargetWriting, AFailingEndKeepsTheConvertorAndPassesTheStatus) {
@@ -216,6 +243,7 @@ TEST_F(TargetWriting, AConvertingWriteHandsOverTheConvertedBlock) {
     EXPECT_EQ(convert.m_bytes, m_data);
     EXPECT_EQ(convert.m_nFlags, 0);
     EXPECT_EQ(convert.m_ppStatus, out);
+    EXPECT_EQ(m_script.m_log.After("output "), (std::vector<std::string>{"data", "length"}));
     const support::SWriteCall& write = m_script.m_writeCalls.at(0);
     EXPECT_EQ(write.m_bytes, (std::vector<unsigned char>{8, 7, 6, 5, 4, 3}));
     EXPECT_EQ(write.m_eState, kLastBlock);

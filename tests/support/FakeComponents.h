@@ -11,6 +11,7 @@
 #include "stream/FileOpener.h"
 #include "stream/URLSourceHandler.h"
 #include "tests/support/CallLog.h"
+#include "tests/support/LoggedFace.h"
 #include "tests/support/PlainCount.h"
 #include "tests/support/ScriptedCall.h"
 
@@ -34,6 +35,7 @@ public:
         return AnswerQuery(*this, identity, face, {{IID_IUnknown, static_cast<IAudioFileOpenerControl*>(this)}});
     }
     EAuxFlags GetAuxFlags() override {
+        Tell("capabilities");
         ++m_nFlagCalls;
         return m_eCapabilities;
     }
@@ -44,10 +46,14 @@ public:
         *stream = m_newStream ? m_newStream() : nullptr;
         return true;
     }
-    unsigned int GetOpenerState() override { return m_nState; }
+    unsigned int GetOpenerState() override {
+        Tell("opener state");
+        return m_nState;
+    }
 
     unsigned int References() const { return m_references.Value(); }
 
+    std::function<void(const char*)> m_onCall;  // called before most calls are answered
     std::string m_name;
     CCallLog* m_pLog = nullptr;
     unsigned int m_nState = kOpenerEnabled;
@@ -58,6 +64,10 @@ public:
     int m_nFlagCalls = 0;
 
 private:
+    void Tell(const char* call) const {
+        if (m_onCall) m_onCall(call);
+    }
+
     CPlainCount m_references;
 };
 
@@ -70,7 +80,10 @@ public:
     CFakeComponent& operator=(const CFakeComponent&) = delete;
 
     unsigned int AddRef() override { return m_references.Increment(); }
-    unsigned int Release() override { return m_references.Decrement(); }
+    unsigned int Release() override {
+        Tell("release component");
+        return m_references.Decrement();
+    }
     int QueryInterface(unsigned long identity, void** face) override {
         return AnswerQuery(*this, identity, face, {{IID_IUnknown, static_cast<IAudioComponent*>(this)}});
     }
@@ -81,12 +94,20 @@ public:
 
     unsigned int References() const { return m_references.Value(); }
 
+    // Those on a face that has references of its own.
+    virtual unsigned int FaceReferences() const { return 0; }
+
     EAudioComponentType m_eType;
     SScriptedCall m_initialize;
     int m_nTerminations = 0;
+    std::function<void(const char*)> m_onCall;  // called before most calls are answered
 
 protected:
     ~CFakeComponent() = default;
+
+    void Tell(const char* call) const {
+        if (m_onCall) m_onCall(call);
+    }
 
 private:
     std::string m_name;
@@ -104,11 +125,13 @@ public:
     CFakeDecoderComponent(const std::string& name, std::vector<const char*> extensions)
         : CFakeComponent(name, ACT_DECODER), m_extensions(std::move(extensions)) {
         m_opener.m_name = name;
+        m_opener.m_onCall = [this](const char* call) { Tell(call); };
     }
 
     unsigned int AddRef() override { return CFakeComponent::AddRef(); }
     unsigned int Release() override { return CFakeComponent::Release(); }
     int QueryInterface(unsigned long identity, void** face) override {
+        Tell(identity == IID_IExtensionList ? "query extensions" : "query");
         if (identity == IID_IAudioFileOpener && m_bOffersOpener && face != nullptr) {
             m_opener.AddRef();
             *face = static_cast<IAudioFileOpenerOperations*>(&m_opener);
@@ -120,9 +143,11 @@ public:
     }
     int GetCount() override { return static_cast<int>(m_extensions.size()); }
     const char* GetAt(int n) override {
+        Tell("extension");
         ++m_nGetAtCalls;
         return m_extensions[static_cast<std::size_t>(n)];
     }
+    unsigned int FaceReferences() const override { return m_opener.References(); }
 
     CFakeFileOpener m_opener;
     std::vector<const char*> m_extensions;
@@ -131,27 +156,25 @@ public:
     int m_nGetAtCalls = 0;
 };
 
-class CFakeURLHandler final : public CFakeComponent, public IURLSourceHandler {
+class CFakeURLHandler final : public CFakeComponent {
 public:
     CFakeURLHandler(const std::string& name, unsigned int protocols)
-        : CFakeComponent(name, ACT_URL_HANDLER), m_nProtocols(protocols) {}
+        : CFakeComponent(name, ACT_URL_HANDLER), m_nProtocols(protocols), m_face(*this, "release handler") {}
 
-    unsigned int AddRef() override { return CFakeComponent::AddRef(); }
-    unsigned int Release() override { return CFakeComponent::Release(); }
     int QueryInterface(unsigned long identity, void** face) override {
-        IURLSourceHandler* const handler = m_bOffersHandler ? this : nullptr;
-        return AnswerQuery(*this, identity, face,
-                           {{IID_IUnknown, static_cast<IAudioComponent*>(this)}, {IID_IURLSourceHandler, handler}});
+        Tell("query");
+        if (identity != IID_IURLSourceHandler || !m_bOffersHandler || face == nullptr) {
+            return CFakeComponent::QueryInterface(identity, face);
+        }
+        m_face.AddRef();
+        *face = static_cast<IURLSourceHandler*>(&m_face);
+        return kInterfaceFound;
     }
-    unsigned int GetProtocols() override { return m_nProtocols; }
-    bool Fetch(const char* url, char* localPath, int reserved, IStatus** status) override {
-        m_urls.emplace_back(url);
-        m_nReserved = reserved;
-        m_ppStatus = status;
-        std::memset(localPath, 0, kLocalPathCapacity);
-        m_localPath.copy(localPath, kLocalPathCapacity - 1);
-        return Play(m_fetch, status);
-    }
+    unsigned int FaceReferences() const override { return m_faceReferences.Value(); }
+
+    void NoteRelease(const char* call) const { Tell(call); }
+    unsigned int CountUp() { return m_faceReferences.Increment(); }
+    unsigned int CountDown() { return m_faceReferences.Decrement(); }
 
     unsigned int m_nProtocols;
     bool m_bOffersHandler = true;
@@ -160,6 +183,28 @@ public:
     std::vector<std::string> m_urls;
     int m_nReserved = -1;
     IStatus** m_ppStatus = nullptr;
+
+private:
+    class CHandlerFace final : public CLoggedFace<IURLSourceHandler, CFakeURLHandler> {
+    public:
+        using CLoggedFace::CLoggedFace;
+        unsigned int GetProtocols() override {
+            m_owner.Tell("protocols");
+            return m_owner.m_nProtocols;
+        }
+        bool Fetch(const char* url, char* localPath, int reserved, IStatus** status) override {
+            m_owner.Tell("fetch");
+            m_owner.m_urls.emplace_back(url);
+            m_owner.m_nReserved = reserved;
+            m_owner.m_ppStatus = status;
+            std::memset(localPath, 0, kLocalPathCapacity);
+            m_owner.m_localPath.copy(localPath, kLocalPathCapacity - 1);
+            return Play(m_owner.m_fetch, status);
+        }
+    };
+
+    CPlainCount m_faceReferences;
+    CHandlerFace m_face;
 };
 
 }  // namespace support

@@ -25,7 +25,7 @@ struct SConvertCall {
 
 // The test owns the script, which outlives the convertor.
 struct SConvertorScript {
-    CCallLog* m_pLog = nullptr;  // "release convertor" goes there
+    CCallLog* m_pLog = nullptr;  // "output length", "output data" and "release convertor" go there
     std::function<std::vector<unsigned char>(const std::vector<unsigned char>&)>
         m_convert;  // the same bytes when empty
     bool m_bConvertResult = true;
@@ -45,7 +45,7 @@ public:
 
     unsigned int AddRef() override { return ++m_nReferences; }
     unsigned int Release() override {
-        if (m_script.m_pLog != nullptr) m_script.m_pLog->Note("release convertor");
+        Note("release convertor");
         const unsigned int count = --m_nReferences;
         if (count == 0) delete this;
         return count;
@@ -59,10 +59,20 @@ public:
         m_script.m_convertCalls.push_back({data, std::move(input), flags, status});
         return m_script.m_bConvertResult;
     }
-    int GetOutputLength() override { return m_script.m_nLength.value_or(static_cast<int>(m_output.size())); }
-    unsigned char* GetOutputData() override { return m_output.data(); }
+    int GetOutputLength() override {
+        Note("output length");
+        return m_script.m_nLength.value_or(static_cast<int>(m_output.size()));
+    }
+    unsigned char* GetOutputData() override {
+        Note("output data");
+        return m_output.data();
+    }
 
 private:
+    void Note(const char* line) const {
+        if (m_script.m_pLog != nullptr) m_script.m_pLog->Note(line);
+    }
+
     SConvertorScript& m_script;
     unsigned int m_nReferences = 1;
     std::vector<unsigned char> m_output;
@@ -84,7 +94,9 @@ public:
     unsigned int AddRef() override { return m_references.Increment(); }
     unsigned int Release() override {
         if (m_convertor.m_pLog != nullptr) m_convertor.m_pLog->Note("release factory");
-        return m_references.Decrement();
+        const unsigned int count = m_references.Decrement();
+        if (count == 0) m_bEnded = true;
+        return count;
     }
     int QueryInterface(unsigned long identity, void** face) override {
         return AnswerQuery(*this, identity, face,
@@ -99,6 +111,7 @@ public:
         std::memcpy(&call.m_from, from, sizeof call.m_from);
         std::memcpy(&call.m_to, to, sizeof call.m_to);
         m_createCalls.push_back(call);
+        if (m_onCreate) m_onCreate(from);
         if (m_bYields) *convertor = new CFakeConvertor(m_convertor);
         return Play(m_create, status);
     }
@@ -110,6 +123,8 @@ public:
     SScriptedCall m_create;
     bool m_bYields = true;  // also when m_create fails
     bool m_bAdvanced = true;
+    bool m_bEnded = false;  // whether the last reference was ever given back
+    std::function<void(const SWavFormat* from)> m_onCreate;
     SConvertorScript m_convertor;
     std::vector<SCreateCall> m_createCalls;
     int m_nReservedCalls = 0;

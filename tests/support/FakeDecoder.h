@@ -39,6 +39,7 @@ struct SDecoderScript : SStreamScript {
 
     bool m_bSeekResult = true;
     std::vector<unsigned long> m_seeks;
+    IStatus** m_ppSeekStatus = nullptr;
 
     const char* m_pTitle = nullptr;
     const char* m_pArtist = nullptr;
@@ -125,7 +126,8 @@ private:
     class CSeekFace final : public CLoggedFace<ISeekable, CFakeDecoder> {
     public:
         using CLoggedFace::CLoggedFace;
-        bool Seek(unsigned long position, IStatus** /*status*/) override {
+        bool Seek(unsigned long position, IStatus** status) override {
+            m_owner.Script().m_ppSeekStatus = status;
             m_owner.Script().m_seeks.push_back(position);
             return m_owner.Script().m_bSeekResult;
         }

@@ -62,6 +62,8 @@ public:
     void ReservedFirst() override { ++m_nReservedCalls; }
     void ReservedSecond() override { ++m_nReservedCalls; }
     bool CreateTarget(IUnknown** stream, const SWavFormat& format, IStatus** status) override {
+        m_ppStream = stream;
+        m_ppStatus = status;
         m_formats.push_back(format);
         if (!Play(m_create, status)) return false;
         *stream = m_pEncoder != nullptr ? NewEncoder(*m_pEncoder) : nullptr;
@@ -70,6 +72,8 @@ public:
 
     SScriptedCall m_create;
     SEncoderScript* m_pEncoder = nullptr;
+    IUnknown** m_ppStream = nullptr;
+    IStatus** m_ppStatus = nullptr;
     std::vector<SWavFormat> m_formats;
     int m_nReservedCalls = 0;
 };
