@@ -79,6 +79,20 @@ TEST_F(Buttons, ShowTheAboutBoxWithTheDialogAsItsWindow) {
     EXPECT_EQ(component.m_nReferences, 1U);
 }
 
+TEST_F(Buttons, HoldTheComponentDuringItsDialogs) {
+    CDialogComponent& component = Add("decoder", ACT_DECODER);
+    component.m_bConfigurable = true;
+    component.m_bOffersAbout = true;
+    component.m_bHasAbout = true;
+    component.m_during = [&component] { EXPECT_EQ(component.m_nReferences, 3U); };  // and the interface that is called
+    Build();
+    Page(0).Select(0);
+    Click(Page(0).m_pConfigure);
+    Click(Page(0).m_pAbout);
+    EXPECT_EQ(component.m_nConfigured + component.m_nAbout, 2);
+    EXPECT_EQ(component.m_nReferences, 1U);
+}
+
 TEST_F(Buttons, LeaveNoWindowWhateverTheHostHadSet) {
     CDialogComponent& component = Add("decoder", ACT_DECODER);
     component.m_bOffersAbout = true;
