@@ -73,6 +73,35 @@ TEST_F(AuxObjects, ANullObjectOccupiesItsKey) {
     EXPECT_TRUE(m_manager->AttachAuxObject(&m_firstKey, &m_a));
 }
 
+TEST_F(AuxObjects, TakeANullKeyLikeAnyOther) {
+    EXPECT_FALSE(m_manager->GetAuxObject(nullptr, nullptr));
+    EXPECT_TRUE(m_manager->AttachAuxObject(nullptr, &m_a));
+    EXPECT_FALSE(m_manager->AttachAuxObject(nullptr, &m_b));
+    EXPECT_TRUE(m_manager->AttachAuxObject(&m_firstKey, &m_b));
+    CComPtr<IUnknown> found;
+    EXPECT_TRUE(m_manager->GetAuxObject(nullptr, found.Out()));
+    EXPECT_EQ(found.Get(), &m_a);
+    EXPECT_TRUE(m_manager->DetachAuxObject(nullptr));
+    EXPECT_FALSE(m_manager->GetAuxObject(nullptr, nullptr));
+    EXPECT_TRUE(m_manager->GetAuxObject(&m_firstKey, nullptr));
+}
+
+// A manager under whose every key an object is found.
+class CFullManager : public CAudioPluginMgr {
+public:
+    bool GetAuxObject(void* /*key*/, IUnknown** object) override {
+        EXPECT_EQ(object, nullptr);
+        return true;
+    }
+};
+
+TEST_F(AuxObjects, AreLookedUpThroughTheTableBeforeTheyAreAttached) {
+    m_manager.Reset();
+    const CComPtr<CFullManager> full(new CFullManager);
+    EXPECT_FALSE(full->AttachAuxObject(&m_firstKey, &m_a));
+    EXPECT_EQ(m_a.m_nReferences, 1U);
+}
+
 TEST_F(AuxObjects, AreReleasedOnceAtTheManagersEnd) {
     m_manager->AttachAuxObject(&m_firstKey, &m_a);
     m_manager->AttachAuxObject(&m_secondKey, &m_b);

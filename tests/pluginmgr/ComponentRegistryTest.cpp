@@ -325,11 +325,12 @@ private:
         std::thread([this] {
             EXPECT_EQ(Decoders(m_manager).size(), 4U);
             const char* const order[] = {"third.so*0"};
-            m_manager.SetComponentOrder(order, 1);
+            if (++m_nWaits == 2) m_manager.SetComponentOrder(order, 1);  // the second reference is the new list's
         }).join();
     }
 
     CAudioPluginMgr& m_manager;
+    int m_nWaits = 0;
 };
 
 TEST(Get, CallsComponentsWithoutALockAndKeepsAnOrderThatWasSetMeanwhile) {

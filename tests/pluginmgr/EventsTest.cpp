@@ -83,6 +83,33 @@ TEST_F(Events, NumberTheirReceivers) {
     EXPECT_EQ(m_manager->GetReceiverNumber(nullptr), -1);
 }
 
+TEST_F(Events, NumberTheirReceiversWithoutTheLock) {
+    m_manager->SubscribeToEvents(&m_a);
+    int number = -1;
+    m_a.m_inside = [&] { std::thread([&] { number = m_manager->GetReceiverNumber(&m_a); }).join(); };
+    m_manager->SendEvent(1, nullptr);
+    EXPECT_EQ(number, 0);
+}
+
+// A manager that counts how often it is asked for a receiver's number.
+class CNumberingManager : public CAudioPluginMgr {
+public:
+    int GetReceiverNumber(IEventReceiver* receiver) override {
+        ++m_nAsked;
+        return CAudioPluginMgr::GetReceiverNumber(receiver);
+    }
+
+    int m_nAsked = 0;
+};
+
+TEST(Subscriptions, AskForTheReceiversNumberThroughTheTable) {
+    const CComPtr<CNumberingManager> manager(new CNumberingManager);
+    manager->SubscribeToEvents(nullptr);
+    EXPECT_EQ(manager->m_nAsked, 1);
+    manager->UnsubscribeToEvents(nullptr);
+    EXPECT_EQ(manager->m_nAsked, 2);
+}
+
 TEST_F(Events, AcceptANullReceiverLikeAnyOther) {
     EXPECT_TRUE(m_manager->SubscribeToEvents(nullptr));
     EXPECT_EQ(m_manager->GetReceiverNumber(nullptr), 0);
@@ -96,6 +123,22 @@ TEST_F(Events, MaySubscribeFromInsideAndReachTheNewcomerAtTheNextSending) {
     EXPECT_EQ(m_log, "A1 ");
     m_manager->SendEvent(2, nullptr);
     EXPECT_EQ(m_log, "A1 A2 B2 ");
+}
+
+TEST_F(Events, MayEndSubscriptionsFromInside) {
+    m_manager->SubscribeToEvents(&m_a);
+    m_manager->SubscribeToEvents(&m_b);
+    m_b.m_inside = [this] {
+        EXPECT_FALSE(m_manager->UnsubscribeToEvents(nullptr));
+        EXPECT_TRUE(m_manager->UnsubscribeToEvents(&m_b));
+    };
+    EXPECT_TRUE(m_manager->SendEvent(1, nullptr));
+    EXPECT_EQ(m_log, "A1 B1 ");
+
+    m_manager->SubscribeToEvents(&m_b);
+    m_a.m_inside = [this] { EXPECT_TRUE(m_manager->UnsubscribeToEvents(&m_b)); };
+    EXPECT_TRUE(m_manager->SendEvent(2, nullptr));
+    EXPECT_EQ(m_log, "A1 B1 A2 ");
 }
 
 TEST_F(Events, MaySendFromInside) {

@@ -11,6 +11,9 @@
 #include "com/InterfaceIds.h"
 #include "pluginmgr/GetAudioPluginMgr.h"
 #include "tests/pluginmgr/Manager.h"
+#include "tests/support/CallLog.h"
+#include "tests/support/FakeComponents.h"
+#include "tests/support/FakeConvertor.h"
 #include "tests/support/ScratchDirectory.h"
 
 namespace {
@@ -137,6 +140,57 @@ TEST(GetAudioPluginMgr, WaitsForTheCreationLock) {
     other.join();
     ASSERT_NE(manager, nullptr);
     EXPECT_EQ(manager->Release(), 0U);
+}
+
+TEST(LastRelease, WaitsForTheCreationLock) {
+    IAudioPluginMgr* manager = nullptr;
+    GetAudioPluginMgr(&manager);
+    m_sectPMCreation.Lock(kInfiniteTimeout);
+    std::thread other([&] { manager->Release(); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    EXPECT_EQ(g_pAudioPluginMgr, manager);
+    m_sectPMCreation.Unlock();
+    other.join();
+    EXPECT_EQ(g_pAudioPluginMgr, nullptr);
+}
+
+// A URL handler that writes down its releases.
+class CNotedHandler final : public support::CFakeComponent, public IURLSourceHandler {
+public:
+    CNotedHandler(const char* name, support::CCallLog& log) : CFakeComponent(name, ACT_URL_HANDLER), m_log(log) {}
+
+    unsigned int AddRef() override { return CFakeComponent::AddRef(); }
+    unsigned int Release() override {
+        m_log.Note(std::string("release ") + GetName());
+        return CFakeComponent::Release();
+    }
+    int QueryInterface(unsigned long identity, void** face) override {
+        return AnswerQuery(*this, identity, face, {{IID_IURLSourceHandler, static_cast<IURLSourceHandler*>(this)}});
+    }
+    unsigned int GetProtocols() override { return URL_HTTP; }
+    bool Fetch(const char*, char*, int, IStatus**) override { return false; }
+
+private:
+    support::CCallLog& m_log;
+};
+
+TEST(LastRelease, ReleasesTheAuxiliaryObjectsThenTheURLHandlerThenTheFactory) {
+    support::CCallLog log;
+    support::CFakeConvertorFactory factory;
+    factory.m_convertor.m_pLog = &log;
+    CNotedHandler handler("handler", log);
+    CNotedHandler object("auxiliary object", log);
+    auto manager = ObtainManager();
+    manager->SetConvertor(&factory, nullptr);
+    handler.AddRef();
+    manager->AddComponent(&handler, "handler.so", 0);
+    manager->SetPluginDirectory("/no/such/directory");
+    manager->LoadPlugins();
+    manager->AttachAuxObject(&object, static_cast<IAudioComponent*>(&object));
+    log.Clear();
+    manager.Reset();
+    EXPECT_EQ(log.Lines(),
+              (std::vector<std::string>{"release auxiliary object", "release handler", "release factory"}));
 }
 
 TEST(CreationLock, IsRecursive) {

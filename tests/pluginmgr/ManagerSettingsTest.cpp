@@ -15,7 +15,9 @@ public:
     unsigned int Release() override { return --m_nReferences; }
     int QueryInterface(unsigned long identity, void** face) override {
         IFeatureSupport* const features = m_bHasFeatures ? this : nullptr;
-        return AnswerQuery(*this, identity, face, {{IID_IFeatureSupport, features}});
+        const int result = AnswerQuery(*this, identity, face, {{IID_IFeatureSupport, features}});
+        if (!m_bContradicts) return result;
+        return result == kInterfaceFound ? kInterfaceMissing : kInterfaceFound;
     }
     void ReservedFirst() override {}
     bool CreateConvertor(const SWavFormat*, const SWavFormat*, IAudioConvertor**, IStatus**) override { return false; }
@@ -28,6 +30,7 @@ public:
     bool m_bHasFeatures = true;
     bool m_bSupported = true;
     bool m_bThrows = false;
+    bool m_bContradicts = false;  // the result says the opposite of what is stored
     unsigned int m_nReferences = 0;
 };
 
@@ -188,6 +191,35 @@ TEST(Features, SwitchingBasicOffLeavesAdvancedFormatsOn) {
     manager->EnableSupport(AF_ADVANCED_FORMATS, true);
     manager->EnableSupport(AF_BASIC, false);
     EXPECT_TRUE(manager->IsSupported(AF_ADVANCED_FORMATS));
+}
+
+TEST(Features, ARefusalLeavesAdvancedFormatsOn) {
+    CFeatureFactory factory;
+    const auto manager = ObtainManager();
+    manager->SetConvertor(&factory, nullptr);
+    manager->EnableSupport(AF_BASIC, true);
+    EXPECT_TRUE(manager->EnableSupport(AF_ADVANCED_FORMATS, true));
+    factory.m_bSupported = false;  // asked anew although the switch is on
+    EXPECT_FALSE(manager->EnableSupport(AF_ADVANCED_FORMATS, true));
+    EXPECT_TRUE(manager->IsSupported(AF_ADVANCED_FORMATS));
+    factory.m_bHasFeatures = false;
+    EXPECT_FALSE(manager->EnableSupport(AF_ADVANCED_FORMATS, true));
+    EXPECT_TRUE(manager->IsSupported(AF_ADVANCED_FORMATS));
+    manager->EnableSupport(AF_BASIC, false);
+    EXPECT_FALSE(manager->EnableSupport(AF_ADVANCED_FORMATS, true));
+    EXPECT_TRUE(manager->IsSupported(AF_ADVANCED_FORMATS));
+}
+
+TEST(Features, TheInterfaceThatTheFactoryStoresCountsAndNotItsResult) {
+    CFeatureFactory factory;
+    factory.m_bContradicts = true;
+    const auto manager = ObtainManager();
+    manager->SetConvertor(&factory, nullptr);
+    manager->EnableSupport(AF_BASIC, true);
+    EXPECT_TRUE(manager->EnableSupport(AF_ADVANCED_FORMATS, true));
+    EXPECT_EQ(factory.m_nReferences, 1U);
+    factory.m_bHasFeatures = false;
+    EXPECT_FALSE(manager->EnableSupport(AF_ADVANCED_FORMATS, true));
 }
 
 TEST(Features, AFactorysExceptionPassesAndItsInterfaceIsReleased) {

@@ -8,6 +8,7 @@
 #include "com/InterfaceIds.h"
 #include "tests/pluginmgr/LoadedManager.h"
 #include "tests/support/ExpectedLeaks.h"
+#include "tests/support/FakeComponents.h"
 
 namespace {
 
@@ -257,6 +258,73 @@ TEST(LoadPlugins, PassesOverAConvertorThatIsNoFactory) {
     manager->GetConvertor(&factory);
     EXPECT_NE(factory, nullptr);
     EXPECT_EQ(plugins.Log().back(), "second convertor asked for its factory");
+}
+
+// A convertor that stores its factory and answers as if it had none.
+class CContradictingConvertor final : public support::CFakeComponent {
+public:
+    CContradictingConvertor() : CFakeComponent("contradicting", ACT_CONVERTOR) {}
+    int QueryInterface(unsigned long identity, void** face) override {
+        *face = identity == IID_IConvertorFactory ? &m_factory : nullptr;
+        if (*face != nullptr) m_factory.AddRef();
+        return kInterfaceMissing;
+    }
+
+    CHostFactory m_factory;
+};
+
+TEST(LoadPlugins, TakesTheFactoryThatAConvertorStoresWhateverItsResult) {
+    CContradictingConvertor convertor;
+    const auto manager = ObtainManager();
+    convertor.AddRef();
+    manager->AddComponent(&convertor, "contradicting.so", 0);
+    manager->SetPluginDirectory("/no/such/directory");
+    manager->LoadPlugins();
+    IConvertorFactory* factory = nullptr;
+    manager->GetConvertor(&factory);
+    EXPECT_EQ(factory, &convertor.m_factory);
+    EXPECT_EQ(convertor.m_factory.m_nReferences, 1);
+    EXPECT_TRUE(manager->UnloadPlugins());
+    EXPECT_EQ(convertor.m_factory.m_nReferences, 0);
+}
+
+// A component that registers another one while it is initialised.
+class CRegisteringComponent final : public support::CFakeComponent {
+public:
+    explicit CRegisteringComponent(IAudioComponent& other)
+        : CFakeComponent("registering", ACT_ENCODER), m_other(other) {}
+    bool Initialize(IAudioPluginMgr* manager, IStatus**) override {
+        m_other.AddRef();
+        static_cast<CAudioPluginMgr*>(manager)->AddComponent(&m_other, "late.so", 0);
+        return true;
+    }
+
+private:
+    IAudioComponent& m_other;
+};
+
+TEST(LoadPlugins, DoesNotInitialiseWhatIsRegisteredDuringAnInitialisation) {
+    support::CFakePlainComponent late("late", ACT_ENCODER);
+    late.m_initialize.m_eOutcome = support::EOutcome::Fails;
+    CRegisteringComponent registering(late);
+    const auto manager = ObtainManager();
+    registering.AddRef();
+    manager->AddComponent(&registering, "registering.so", 0);
+    manager->SetPluginDirectory("/no/such/directory");
+    manager->LoadPlugins();
+    EXPECT_EQ(ComponentNames(*manager), (Lines{"registering", "late"}));
+    EXPECT_TRUE(manager->UnloadPlugins());
+    EXPECT_EQ(late.m_nTerminations, 1);
+}
+
+TEST(LoadPlugins, TakesNoLockWhilePluginsAreLoaded) {
+    const CPluginDirectory plugins({});
+    const CLoadedManager manager(plugins);
+    m_sectPMCreation.Lock(kInfiniteTimeout);
+    std::thread([&] { manager->LoadPlugins(); }).join();
+    m_sectPMCreation.Unlock();
+    EXPECT_TRUE(manager->UnloadPlugins());
+    EXPECT_TRUE(manager->CanUnloadPlugins());
 }
 
 TEST(LoadPlugins, KeepsTheReferenceOfACollectionItself) {

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <stdexcept>
 #include <thread>
 
@@ -53,6 +54,21 @@ TEST(CanUnloadPlugins, AsksNoPluginWhileAnAggregatorIsAlive) {
     pthread_mutex_unlock(&g_AggregatorsMutex);
     EXPECT_TRUE(manager->CanUnloadPlugins());
     EXPECT_EQ(plugins.Log(), Lines{"decoder asked"});
+}
+
+TEST(CanUnloadPlugins, WaitsForAnAggregatorThatIsBeingBuiltOrDestroyed) {
+    const CPluginDirectory plugins({});
+    const CLoadedManager manager(plugins);
+    std::atomic<bool> built{false};
+    pthread_mutex_lock(&g_AggregatorsMutex);
+    std::thread other([&] {
+        EXPECT_TRUE(manager->CanUnloadPlugins());
+        EXPECT_TRUE(built);
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    built = true;
+    pthread_mutex_unlock(&g_AggregatorsMutex);
+    other.join();
 }
 
 TEST(CanUnloadPlugins, IsFalseWhileAPluginIsNotReady) {
@@ -116,6 +132,44 @@ TEST(CanUnloadPlugins, GivesUpItsOwnReferencesWhilePluginsAreAskedAndTakesThemBa
     EXPECT_NE(factory, nullptr);
 }
 
+// A host that sets another factory whenever an event arrives.
+class CFactorySetter : public IEventReceiver {
+public:
+    explicit CFactorySetter(CAudioPluginMgr& manager) : m_manager(manager) {}
+
+    unsigned int AddRef() override { return 1; }
+    unsigned int Release() override { return 1; }
+    int QueryInterface(unsigned long, void** face) override {
+        *face = nullptr;
+        return kInterfaceMissing;
+    }
+    bool OnEvent(unsigned int, IUnknown*) override { return m_manager.SetConvertor(&m_factory, nullptr); }
+
+    CHostFactory m_factory;
+
+private:
+    CAudioPluginMgr& m_manager;
+};
+
+TEST(CanUnloadPlugins, PutsItsFactoryBackInPlaceOfOneThatWasSetMeanwhile) {
+    const CPluginDirectory plugins({"ready_sends_event"});
+    CHostFactory own;
+    const auto manager = ObtainManager();
+    manager->SetConvertor(&own, nullptr);
+    manager->SetPluginDirectory(plugins.Path().c_str());
+    manager->LoadPlugins();
+    CFactorySetter setter(*manager);
+    manager->SubscribeToEvents(&setter);
+    EXPECT_TRUE(manager->CanUnloadPlugins());
+    manager->UnsubscribeToEvents(&setter);
+    IConvertorFactory* factory = nullptr;
+    manager->GetConvertor(&factory);
+    EXPECT_EQ(factory, &own);
+    EXPECT_EQ(own.m_nReferences, 1);
+    EXPECT_EQ(setter.m_factory.m_nReferences, 0);
+    EXPECT_TRUE(manager->UnloadPlugins());
+}
+
 TEST(CanUnloadPlugins, GivesUpTheURLHandlerAsWell) {
     const CPluginDirectory plugins({"url_handler"});
     const CLoadedManager manager(plugins);
@@ -133,6 +187,52 @@ TEST(UnloadPlugins, ReleasesTheFactoryBeforeItTerminatesTheComponents) {
     EXPECT_TRUE(manager->UnloadPlugins());
     EXPECT_EQ(plugins.Log(), (Lines{"convertor count 1", "convertor asked", "convertor count 2", "convertor count 1",
                                     "convertor terminated", "convertor released", "convertor count 0"}));
+}
+
+TEST(UnloadPlugins, GivesUpTheFactoryBeforeTheURLHandlerInThePollAndAtTheEnd) {
+    const CPluginDirectory plugins({"convertor", "url_handler"});
+    const auto manager = ObtainManager();
+    manager->SetPluginDirectory(plugins.Path().c_str());
+    manager->LoadPlugins();
+    plugins.ClearLog();
+    EXPECT_TRUE(manager->UnloadPlugins());
+    Lines log = plugins.Log();
+    log.resize(7);  // without the components' own end
+    EXPECT_EQ(log, (Lines{"convertor count 1", "url handler count 1", "convertor asked", "convertor count 2",
+                          "url handler count 2", "convertor count 1", "url handler count 1"}));
+}
+
+TEST(UnloadPlugins, EndsComponentAfterComponentAndThenClosesTheLibraries) {
+    const CPluginDirectory plugins({"decoder", "ready_sends_event"});
+    const auto manager = ObtainManager();
+    manager->SetPluginDirectory(plugins.Path().c_str());
+    manager->LoadPlugins();
+    // The order is that of the directory.
+    const Lines names = ComponentNames(*manager);
+    ASSERT_EQ(names.size(), 2U);
+    plugins.ClearLog();
+    EXPECT_TRUE(manager->UnloadPlugins());
+    EXPECT_EQ(plugins.Log(),
+              (Lines{"decoder asked", names[0] + " terminated", names[0] + " released", names[1] + " terminated",
+                     names[1] + " released", names[0] + " unloaded", names[1] + " unloaded"}));
+}
+
+TEST(UnloadPlugins, AsksEveryPluginAtEachOfSeveralUnloadsAndCountsNoRefusal) {
+    const CPluginDirectory plugins({"decoder", "not_ready"});
+    const std::string busy = plugins.Path() + "/busy";
+    setenv("KELO_FIXTURE_BUSY", busy.c_str(), 1);
+    const auto manager = ObtainManager();
+    manager->SetPluginDirectory(plugins.Path().c_str());
+    manager->LoadPlugins();
+    manager->LoadPlugins();
+    std::ofstream(busy) << "x";
+    EXPECT_FALSE(manager->UnloadPlugins());
+    std::filesystem::remove(busy);
+    plugins.ClearLog();
+    EXPECT_TRUE(manager->UnloadPlugins());
+    EXPECT_EQ(plugins.Log(), Lines{"decoder asked"});
+    EXPECT_TRUE(manager->UnloadPlugins());
+    EXPECT_FALSE(manager->UnloadPlugins());
 }
 
 TEST(UnloadPlugins, LeavesTheCreationLockFree) {

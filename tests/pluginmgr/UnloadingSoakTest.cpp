@@ -42,7 +42,8 @@ void ExpectFlatUse(const CPluginDirectory& plugins, int components) {
     // Less than the smallest block of malloc in every fourth round.
     EXPECT_LT(after.m_nAllocated, before.m_nAllocated + static_cast<std::size_t>(rounds) * 6);
     EXPECT_LE(after.m_nMappings, before.m_nMappings);
-    EXPECT_LE(after.m_nMapped, before.m_nMapped);
+    // Less than a page in every round: the heap may still grow by a step.
+    EXPECT_LT(after.m_nMapped, before.m_nMapped + static_cast<std::size_t>(rounds) * 4096);
 }
 
 TEST(UnloadingSoak, PluginsOfEveryKindLeaveNothingBehind) {
