@@ -1,4 +1,4 @@
-// What a shared library shows, as nm tells it.
+// What a shared library shows and what it takes, as nm tells it.
 #pragma once
 
 #include <string>
@@ -12,3 +12,6 @@ struct SExportedSymbol {
 
 // The defined dynamic symbols without those that the sanitizers add.
 std::vector<SExportedSymbol> ReadExports(const std::string& library);
+
+// The demangled names of the symbols that other libraries have to bring, without their versions.
+std::vector<std::string> ReadImports(const std::string& library);
