@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "portable/MatchMask.h"
+#include "tests/portable/EightBitLocale.h"
 
 namespace {
 
@@ -89,6 +90,13 @@ TEST(MatchMask, BracketsAreLiteral) { ExpectMatches({{"[ab]", "[ab]", 1, 1}, {"[
 
 TEST(MatchMask, BytesAboveSevenBitsAreCompared) {
     ExpectMatches({{"\xC3\xA9*", "\xC3\xA9t\xC3\xA9", 0, 1}, {"\xC3\xA9", "\xC3\xA8", 0, 0}, {"\xFF", "\xFF", 0, 1}});
+}
+
+TEST(MatchMask, BytesOfTheLocaleMatchInEitherCase) {
+    const CEightBitLocale locale;
+    if (!locale.IsThere()) GTEST_SKIP() << "no sources of locales";
+    // As a signed character 0xFF is no character, so its capital is not 0xBE.
+    ExpectMatches({{"\xE9?\xC9", "\xC9t\xE9", 0, 1}, {"\xE9", "\xC9", 1, 0}, {"\xFF", "\xBE", 0, 0}});
 }
 
 TEST(MatchMask, NullMatchesNothing) {

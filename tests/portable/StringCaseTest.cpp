@@ -4,6 +4,7 @@
 #include <string.h>
 
 #include "portable/StringCase.h"
+#include "tests/portable/EightBitLocale.h"
 
 namespace {
 
@@ -36,6 +37,18 @@ TEST_F(StringCase, UppersEveryByte) {
     char text[] = "MiXed 1{z\xE9";
     EXPECT_EQ(text, _strupr(text));
     EXPECT_STREQ("MIXED 1{Z\xE9", text);
+}
+
+TEST_F(StringCase, ConvertsTheBytesOfTheLocale) {
+    const CEightBitLocale locale;
+    if (!locale.IsThere()) GTEST_SKIP() << "no sources of locales";
+    char text[] = "\xC9t\xE9";
+    EXPECT_STREQ("\xE9t\xE9", _strlwr(text));
+    EXPECT_STREQ("\xC9T\xC9", _strupr(text));
+    EXPECT_EQ(0, _strlwr_s(text, sizeof text));
+    EXPECT_STREQ("\xE9t\xE9", text);
+    EXPECT_EQ(0, _strupr_s(text, sizeof text));
+    EXPECT_STREQ("\xC9T\xC9", text);
 }
 
 TEST_F(StringCase, BoundedFormsConvertTextThatEndsWithinTheSize) {
