@@ -1,4 +1,7 @@
 // keloaudio list names the plug-in that fails and lists the others.
+#include <signal.h>
+
+#include <chrono>
 #include <nlohmann/json.hpp>
 
 #include "tests/host/hostile/HostileFixture.h"
@@ -86,6 +89,35 @@ TEST_F(ListBesideHostile, PluginsThatHangAreAllNamedAfterOneMoreWait) {
     for (const std::string name : {"HangsInEntry", "HangsInGetName", "HangsInTerminate"}) {
         EXPECT_NE(result.m_strErr.find(FailureLine(name, "did not answer within 2 s")), std::string::npos)
             << result.m_strErr;
+    }
+}
+
+TEST_F(ListBesideHostile, SignalEndsTheWaitForAPluginThatHangs) {
+    UseHostile("LingersInEntry");
+    CRunningProgram program({KELOAUDIO, "list", "--timeout", "3600", "--plugins", PluginDirectory()}, WorkDirectory());
+    const std::string presence = PluginDirectory() + "/lingers";
+    while (!std::filesystem::exists(presence) && !program.WaitFor(std::chrono::milliseconds(10))) {
+    }
+    program.Signal(SIGINT);
+    ExpectFailure(program.Wait(), {PluginDirectory() + ": stopped by a signal"}, 128 + SIGINT);
+}
+
+TEST_F(ListBesideHostile, PluginsThatFailOnlyTogetherAreListedWithAWarning) {
+    UseHostile("QuarrelsInEntry");
+    UseHostile("QuarrelsInInitialize");
+    const SRunResult result = RunWithChosen({"list"});
+    EXPECT_EQ(result.m_nExit, 1);
+    EXPECT_NE(result.m_strOut.find("QuarrelsInEntry.so 0"), std::string::npos) << result.m_strOut;
+    EXPECT_NE(result.m_strOut.find("QuarrelsInInitialize.so 0"), std::string::npos) << result.m_strOut;
+    EXPECT_EQ(result.m_strErr, "keloaudio: " + PluginDirectory() +
+                                   ": aborted (signal 6) with all plug-ins loaded, but with none of them alone\n");
+}
+
+TEST_F(ListBesideHostile, TimeLimitIsANumberOfSeconds) {
+    UseHealthy();
+    EXPECT_EQ(RunWithChosen({"list", "--timeout", "0.5"}).m_nExit, 0);
+    for (const std::string limit : {"nan", "inf", "-1", "0", "3601", "1e2", "soon"}) {
+        ExpectFailure(RunWithChosen({"list", "--timeout", limit}), {"--timeout"}, 2);
     }
 }
 
