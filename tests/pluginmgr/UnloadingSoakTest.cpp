@@ -52,9 +52,15 @@ TEST(UnloadingSoak, PluginsOfEveryKindLeaveNothingBehind) {
 }
 
 TEST(UnloadingSoak, RefusedPluginsLeaveNothingBehind) {
-    const CPluginDirectory plugins({"initializer_throws_int", "lacks_primary", "lacks_ready", "null_primary",
-                                    "primary_throws_int", "refuses_primary", "type_throws_int", "unresolved"});
+    const CPluginDirectory plugins({"lacks_primary", "lacks_ready", "null_primary", "primary_throws_int",
+                                    "refuses_primary", "type_throws_int", "unresolved"});
     std::ofstream(plugins.File("text.so")) << "no shared object\n";
+    ExpectFlatUse(plugins, 0);
+}
+
+TEST(UnloadingSoak, PluginsWhoseInitialisersThrowLeaveNothingBehind) {
+    if (support::kThreadSanitizer) GTEST_SKIP() << "it keeps counts over dlopen that an exception upsets";
+    const CPluginDirectory plugins({"initializer_throws_int"});
     ExpectFlatUse(plugins, 0);
 }
 
