@@ -27,12 +27,18 @@ protected:
     }
 };
 
-// What the manager holds when a plug-in throws while it loads or unloads stays allocated to the process's end, so the
-// leak checker, where there is one, is told to be quiet.
+// What the manager holds when a plug-in throws while it loads or unloads stays allocated, and the creation lock locked,
+// to the process's end, so the sanitizers, where there are any, are told to be quiet.
 class ForeignExceptionLeft : public ForeignException {
 protected:
-    ForeignExceptionLeft() { setenv("LSAN_OPTIONS", "detect_leaks=0", 1); }
-    ~ForeignExceptionLeft() override { unsetenv("LSAN_OPTIONS"); }
+    ForeignExceptionLeft() {
+        setenv("LSAN_OPTIONS", "detect_leaks=0", 1);
+        setenv("TSAN_OPTIONS", "report_destroy_locked=0", 1);
+    }
+    ~ForeignExceptionLeft() override {
+        unsetenv("LSAN_OPTIONS");
+        unsetenv("TSAN_OPTIONS");
+    }
 };
 
 }  // namespace
