@@ -14,8 +14,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr bool kSanitized = support::kAddressSanitizer || support::kThreadSanitizer;
-
 // What readelf prints about the file with this option.
 std::string Read(const std::string& option, const std::string& file) {
     const SCommandResult result = RunCommand(KELO_READELF " -W " + option + " " + Quoted(file));
@@ -54,7 +52,8 @@ TEST_P(Hardening, OverrunBuffersOnTheStackAreNoticed) {
 
 // The plug-ins and keloaudio leave such calls to the C++ library.
 TEST(LibraryHardening, TheCLibraryChecksKnownSizes) {
-    if (kSanitized || !KELO_OPTIMISED) GTEST_SKIP() << "optimisers know the sizes; sanitizers check them themselves";
+    if (support::kSanitized || !KELO_OPTIMISED)
+        GTEST_SKIP() << "optimisers know the sizes; sanitizers check them themselves";
     EXPECT_THAT(ImportsOf(KELO_LIBRARY), testing::Contains(testing::MatchesRegex("__[a-z]+_chk")));
 }
 

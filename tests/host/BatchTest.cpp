@@ -101,9 +101,7 @@ TEST_F(Batch, NamesInSquareBracketsAreNames) {
 }
 
 TEST_F(Batch, GoesOnWithTheThreadsThatTheSystemGives) {
-    if (support::kAddressSanitizer || support::kThreadSanitizer) {
-        GTEST_SKIP() << "the sanitizer needs more address space than the limit leaves";
-    }
+    if (support::kSanitized) GTEST_SKIP() << "the sanitizer needs more address space than the limit leaves";
     // A thread takes a stack of the limit's size: of the twenty there is room for a few.
     const std::string command = std::string("ulimit -s 1000000; ulimit -v 3500000; exec ") + KELOAUDIO +
                                 " convert -r in --to flac --out-dir out --jobs 20 --plugins " + SoundPluginDirectory();

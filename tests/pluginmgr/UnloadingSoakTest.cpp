@@ -10,11 +10,9 @@
 
 namespace {
 
-constexpr bool kSanitized = support::kAddressSanitizer || support::kThreadSanitizer;
-
 // KELO_LONG_TESTS asks for more, as ./check --long does. The sanitizers keep notes of every library that was ever open.
 int Rounds() {
-    if (kSanitized) return 50;
+    if (support::kSanitized) return 50;
     return std::getenv("KELO_LONG_TESTS") != nullptr ? 10000 : 1000;
 }
 
@@ -38,7 +36,7 @@ void ExpectFlatUse(const CPluginDirectory& plugins, int components) {
 
     EXPECT_EQ(after.m_nDescriptors, before.m_nDescriptors);
     EXPECT_EQ(support::Mappings().find(plugins.Path()), std::string::npos);
-    if (kSanitized) return;
+    if (support::kSanitized) return;
     // Less than the smallest block of malloc in every fourth round.
     EXPECT_LT(after.m_nAllocated, before.m_nAllocated + static_cast<std::size_t>(rounds) * 6);
     EXPECT_LE(after.m_nMappings, before.m_nMappings);

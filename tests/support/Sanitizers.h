@@ -21,4 +21,6 @@ constexpr bool kThreadSanitizer = true;
 constexpr bool kThreadSanitizer = false;
 #endif
 
+constexpr bool kSanitized = kAddressSanitizer || kThreadSanitizer;
+
 }  // namespace support

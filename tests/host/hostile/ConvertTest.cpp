@@ -11,9 +11,9 @@ class ConvertBesideHostile : public CBesideHostile {
 protected:
     void ExpectLastWord(const std::vector<std::string>& arguments, int signal) const {
         const SRunResult result = RunWithChosen(arguments);
-        // The address sanitizer has its own end for a crash, which comes after the last word.
-        const bool ownEnd = support::kAddressSanitizer && signal == SIGSEGV;
-        EXPECT_EQ(result.m_nExit, ownEnd ? 1 : -signal) << result.m_strErr;
+        // The sanitizers have their own ends for a crash, which come after the last word.
+        const int ownEnd = support::kAddressSanitizer ? 1 : 66;
+        EXPECT_EQ(result.m_nExit, support::kSanitized && signal == SIGSEGV ? ownEnd : -signal) << result.m_strErr;
         EXPECT_NE(
             result.m_strErr.find("keloaudio: " + PluginDirectory() + ": crashed while these plug-ins were loaded"),
             std::string::npos)
@@ -64,7 +64,7 @@ TEST_F(ConvertBesideHostile, AbortWhileLoadingLeavesALastWord) {
 }
 
 TEST_F(ConvertBesideHostile, FullStackLeavesALastWord) {
-    if (support::kAddressSanitizer) GTEST_SKIP() << "the sanitizer has its own end for a full stack";
+    if (support::kSanitized) GTEST_SKIP() << "the sanitizers have their own ends for a full stack";
     UseImpolite("CollectionHoldsItself");
     ExpectLastWord({"info", kFrontCenter}, SIGSEGV);
 }

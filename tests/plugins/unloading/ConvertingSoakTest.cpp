@@ -24,13 +24,12 @@
 
 namespace {
 
-constexpr bool kSanitized = support::kAddressSanitizer || support::kThreadSanitizer;
 constexpr SWavFormat kStored{44100, 16, 2};
 constexpr SWavFormat kConverted{48000, 24, 1};
 
 // KELO_LONG_TESTS asks for more, as ./check --long does.
 int Rounds() {
-    if (kSanitized) return 20;
+    if (support::kSanitized) return 20;
     return std::getenv("KELO_LONG_TESTS") != nullptr ? 10000 : 100;
 }
 
@@ -126,7 +125,7 @@ TEST_F(ConvertingSoak, LeavesNothingBehind) {
     EXPECT_EQ(after.m_nDescriptors, before.m_nDescriptors);
     EXPECT_EQ(support::Mappings().find(KELO_SNDFILE_PLUGIN), std::string::npos);
     EXPECT_EQ(support::Mappings().find(KELO_SOXR_PLUGIN), std::string::npos);
-    if (kSanitized) return;
+    if (support::kSanitized) return;
     // Less than the smallest block of malloc in every fourth round.
     EXPECT_LT(after.m_nAllocated, before.m_nAllocated + static_cast<std::size_t>(rounds) * 6);
     EXPECT_LE(after.m_nMappings, before.m_nMappings);
