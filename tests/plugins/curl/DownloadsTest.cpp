@@ -1,7 +1,9 @@
 // The private directory and the files in it. Trees are removed here, so that each case has a root of its own.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <stdlib.h>
+#include <sys/resource.h>
 
 #include <fstream>
 #include <set>
@@ -221,7 +223,14 @@ TEST(Downloads, TellWhyWritingFails) {
     RunWithTemporary([](const fs::path&) {
         CDownloads downloads;
         const auto download = downloads.Begin();
-        EXPECT_EQ(download->Write(nullptr, 1), EFAULT);
+        signal(SIGXFSZ, SIG_IGN);
+        rlimit before = {};
+        ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+        const rlimit limit = {4, before.rlim_max};
+        ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
+        const int error = download->Write("songs", 5);
+        setrlimit(RLIMIT_FSIZE, &before);
+        EXPECT_EQ(error, EFBIG);
     });
 }
 
