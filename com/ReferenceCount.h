@@ -35,8 +35,8 @@ public:
     // Blocks while the count is 0.
     unsigned int Decrement() {
 #if KELO_THREAD_SANITIZER
-        // The locked instruction of sem_wait orders what this thread did with the object before what the last one does.
-        // The sanitizer sees in it what POSIX names alone, an acquisition.
+        // sem_wait synchronises memory both ways (POSIX.1-2017, 4.12), so that what this thread did with the object
+        // comes before what the last one does; the sanitizer takes it for an acquisition alone.
         __tsan_release(&m_semaphore);
 #endif
         while (sem_wait(&m_semaphore) != 0 && errno == EINTR) {
@@ -54,3 +54,5 @@ public:
 private:
     sem_t m_semaphore;
 };
+
+#undef KELO_THREAD_SANITIZER

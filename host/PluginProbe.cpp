@@ -62,7 +62,14 @@ SProbeReport Examine(const CPluginSession& session) {
 
 // An already loaded plug-in is the same one under whatever link the manager finds it.
 void LoadAndTell(const std::string& directory, const CReportFile& file, const std::string& plugin = "") {
-    void* const held = plugin.empty() ? nullptr : LoadLibrary(plugin.c_str());
+    void* held = nullptr;
+    try {
+        if (!plugin.empty()) held = LoadLibrary(plugin.c_str());
+    } catch (...) {
+        file.Tell({{}, ThrewText(CurrentExceptionText())});
+        file.TellEnd();
+        return;
+    }
     try {
         const CPluginSession session({directory, true});
         if (held != nullptr) FreeLibrary(held);

@@ -92,10 +92,8 @@ bool CAudioPluginMgr::OpenRemote(const char* url, IUnknown** stream, int pass, E
     const SFetchedSource source =
         FetchRemote(*registry, url, static_cast<EURLType>(GetURLType(url)), localPath, passed);
     localPath[kLocalPathCapacity - 1] = '\0';
-    const bool opened = source.m_pHandler ? OpenURLAudioFile(localPath, stream, pass, required, excluded, status)
-                                          : FailToOpen(stream, nullptr, status);
-    passed.Update();
-    return opened;
+    if (!source.m_pHandler) return FailToOpen(stream, nullptr, status);
+    return OpenURLAudioFile(localPath, stream, pass, required, excluded, status);
 }
 
 bool CAudioPluginMgr::OpenURLAudioFile(const char* url, const SWavFormat* wanted, IUnknown** stream, int pass,

@@ -121,7 +121,6 @@ bool CSrcConvAggregator::Start(IStatus** status) {
     }
     m_pConvertor.Reset();
     CallGuarded([&] { return m_pProcess->End(status); });
-    passed.Update();
     return false;
 }
 

@@ -64,14 +64,12 @@ bool CTargetAggregator::StartEncoder(IStatus** status) {
         if (!CreateConvertor(lent, accepted, passed)) {
             m_pConvertor.Reset();
             ReportStatus(status, "No conversion possible");
-            passed.Update();
             return false;
         }
     }
-    const bool started = CallGuarded([&] { return m_pProcess->Start(status); });
-    passed.Update();
-    if (!started) m_pConvertor.Reset();
-    return started;
+    if (CallGuarded([&] { return m_pProcess->Start(status); })) return true;
+    m_pConvertor.Reset();
+    return false;
 }
 
 bool CTargetAggregator::CreateConvertor(IConvertorFactory* factory, const SHeldWavFormat& accepted,

@@ -12,6 +12,7 @@
 #include <thread>
 #include <vector>
 
+#include "host/LoaderLock.h"
 #include "host/SignalStack.h"
 #include "host/StopSignal.h"
 
@@ -80,7 +81,7 @@ void RunJobs(std::size_t count, int threads, const std::function<void(std::size_
              const std::function<bool()>& isOver) {
     CWorkers workers(count, job, isOver);
     const auto useful = static_cast<int>(std::min<std::size_t>(count, static_cast<std::size_t>(threads)));
-    if (useful <= 1) {
+    if (useful <= 1 || !OtherThreadsCanLoad()) {
         workers.RunHere();
     } else {
         workers.RunOn(useful);

@@ -1,7 +1,6 @@
 // Plug-ins that throw objects of their own types: their code must still be there when these are read.
-#include <stdlib.h>
-
 #include "tests/host/KeloAudio.h"
+#include "tests/support/ProcessState.h"
 
 namespace {
 
@@ -30,15 +29,9 @@ protected:
 // What the manager holds when a plug-in throws while it loads or unloads stays allocated, and the creation lock locked,
 // to the process's end, so the sanitizers, where there are any, are told to be quiet.
 class ForeignExceptionLeft : public ForeignException {
-protected:
-    ForeignExceptionLeft() {
-        setenv("LSAN_OPTIONS", "detect_leaks=0", 1);
-        setenv("TSAN_OPTIONS", "report_destroy_locked=0", 1);
-    }
-    ~ForeignExceptionLeft() override {
-        unsetenv("LSAN_OPTIONS");
-        unsetenv("TSAN_OPTIONS");
-    }
+private:
+    CScopedVariable m_leakOptions{"LSAN_OPTIONS", "detect_leaks=0"};
+    CScopedVariable m_threadOptions{"TSAN_OPTIONS", "report_destroy_locked=0"};
 };
 
 }  // namespace

@@ -57,9 +57,9 @@ TEST_F(Progress, SkippedAndFailedFilesDoNotHoldTheBarBack) {
         OnTerminal("again.flac broken.wav long.flac --to flac --out-dir out --skip-existing --jobs 1");
     EXPECT_NE(screen.find("1 of 2 files"), std::string::npos) << screen;
     EXPECT_EQ(screen.find("0 of 2 files"), std::string::npos) << screen;
-    for (const int percent : PercentagesOf(screen)) {
-        EXPECT_GE(percent, 80) << screen;
-    }
+    const std::vector<int> percentages = PercentagesOf(screen);
+    ASSERT_FALSE(percentages.empty()) << screen;
+    EXPECT_GE(*std::min_element(percentages.begin(), percentages.end()), 80) << screen;
 }
 
 TEST_F(Progress, QuietAndJsonHaveNoBar) {

@@ -228,8 +228,9 @@ TEST_F(SourceRemote, TheLocalPathMayFillItsWholeBuffer) {
 }
 
 TEST_F(SourceRemote, AnExceptionOfAHandlerLeavesItsStatusAlone) {
-    Register({&m_wav, &m_handler});
-    m_handler.m_fetch = {EOutcome::ThrowsInt, "broken"};
+    Register({&m_wav, &m_handler, &m_second});
+    m_handler.m_fetch = {EOutcome::Fails, "gone"};
+    m_second.m_fetch = {EOutcome::ThrowsInt, "broken"};
     CComPtr<IStatus> status;
     EXPECT_THROW(Open(kHttp, -1, status.Out()), int);
     EXPECT_STREQ(TextOf(status), "broken");

@@ -53,7 +53,7 @@ public:
 
     unsigned int References() const { return m_references.Value(); }
 
-    std::function<void(const char*)> m_onCall;  // called before most calls are answered
+    std::function<void(const char*)> m_onCall;  // told "capabilities" and "opener state" before these are answered
     std::string m_name;
     CCallLog* m_pLog = nullptr;
     unsigned int m_nState = kOpenerEnabled;
@@ -100,7 +100,9 @@ public:
     EAudioComponentType m_eType;
     SScriptedCall m_initialize;
     int m_nTerminations = 0;
-    std::function<void(const char*)> m_onCall;  // called before most calls are answered
+    // Told "release component", "query" and "extension", "protocols" and "fetch" of a handler, "release handler", and
+    // what an opener tells, before these are answered.
+    std::function<void(const char*)> m_onCall;
 
 protected:
     ~CFakeComponent() = default;

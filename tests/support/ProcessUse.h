@@ -1,6 +1,7 @@
 // What the process uses of memory and descriptors, for tests that nothing piles up.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <malloc.h>
 
 #include <cstddef>
@@ -33,6 +34,15 @@ inline SProcessUse MeasureUse() {
     const std::filesystem::directory_iterator descriptors("/proc/self/fd");
     return {heap.uordblks + heap.hblkhd, pages * 4096, mappings,
             static_cast<std::size_t>(std::distance(begin(descriptors), end(descriptors)))};
+}
+
+// Of what the process sets up once and what piles up, only the second grows with the rounds.
+inline void ExpectNoMoreMemory(const SProcessUse& before, const SProcessUse& after, int rounds) {
+    // Less than the smallest block of malloc in every fourth round.
+    EXPECT_LT(after.m_nAllocated, before.m_nAllocated + static_cast<std::size_t>(rounds) * 6);
+    EXPECT_LE(after.m_nMappings, before.m_nMappings);
+    // Less than a page in every round: the heap may still grow by a step.
+    EXPECT_LT(after.m_nMapped, before.m_nMapped + static_cast<std::size_t>(rounds) * 4096);
 }
 
 }  // namespace support

@@ -61,24 +61,24 @@ TEST_P(HostilePlugin, IsNamedWithItsEndAndTheOthersAreListed) {
 
 INSTANTIATE_TEST_SUITE_P(
     List, HostilePlugin,
-    testing::Values(SEnding{"AbortsInEntry", "aborted (signal 6)"}, SEnding{"AbortsInGetName", "aborted (signal 6)"},
-                    SEnding{"AbortsInTerminate", "aborted (signal 6)"}, SEnding{"AbortsInReady", "aborted (signal 6)"},
-                    SEnding{"CrashesInInitialize", "crashed (signal 11)"},
-                    SEnding{"DanglingName", "crashed (signal 11)"},
-                    SEnding{"ExitsInEntry", "ended the process with status 0"},
-                    SEnding{"ExitsInGetAt", "ended the process with status 0"},
-                    SEnding{"EndlessExtensions", "impossible count: 2147483647 extensions"},
-                    SEnding{"NegativeExtensions", "impossible count: -1 extensions"},
-                    SEnding{"ThrowsErrorInEntry", "threw: a hostile word"},
-                    SEnding{"ThrowsErrorInInitialize", "threw: a hostile word"},
-                    SEnding{"ThrowsErrorInGetCount", "threw: a hostile word"},
-                    SEnding{"ThrowsErrorInOpenTarget", "threw: a hostile word"},
-                    SEnding{"ThrowsErrorInQueryInterface", "threw: a hostile word"},
-                    SEnding{"ThrowsIntInInitialize", "threw: an exception of type int"},
-                    SEnding{"ThrowsIntInGetName", "threw: an exception of type int"},
-                    SEnding{"ThrowsOtherInGetType", "threw: an exception of type (anonymous namespace)::SOther"},
-                    SEnding{"ThrowsOtherInGetOpenerState",
-                            "threw: an exception of type (anonymous namespace)::SOther"}),
+    testing::Values(
+        SEnding{"AbortsInEntry", "aborted (signal 6)"}, SEnding{"AbortsInGetName", "aborted (signal 6)"},
+        SEnding{"AbortsInLoading", "aborted (signal 6)"}, SEnding{"ThrowsErrorInLoading", "threw: a hostile word"},
+        SEnding{"AbortsInTerminate", "aborted (signal 6)"}, SEnding{"AbortsInReady", "aborted (signal 6)"},
+        SEnding{"CrashesInInitialize", "crashed (signal 11)"}, SEnding{"DanglingName", "crashed (signal 11)"},
+        SEnding{"ExitsInEntry", "ended the process with status 0"},
+        SEnding{"ExitsInGetAt", "ended the process with status 0"},
+        SEnding{"EndlessExtensions", "impossible count: 2147483647 extensions"},
+        SEnding{"NegativeExtensions", "impossible count: -1 extensions"},
+        SEnding{"ThrowsErrorInEntry", "threw: a hostile word"},
+        SEnding{"ThrowsErrorInInitialize", "threw: a hostile word"},
+        SEnding{"ThrowsErrorInGetCount", "threw: a hostile word"},
+        SEnding{"ThrowsErrorInOpenTarget", "threw: a hostile word"},
+        SEnding{"ThrowsErrorInQueryInterface", "threw: a hostile word"},
+        SEnding{"ThrowsIntInInitialize", "threw: an exception of type int"},
+        SEnding{"ThrowsIntInGetName", "threw: an exception of type int"},
+        SEnding{"ThrowsOtherInGetType", "threw: an exception of type (anonymous namespace)::SOther"},
+        SEnding{"ThrowsOtherInGetOpenerState", "threw: an exception of type (anonymous namespace)::SOther"}),
     NameOf);
 
 TEST_F(ListBesideHostile, PluginsThatHangAreAllNamedAfterOneMoreWait) {
@@ -116,7 +116,7 @@ TEST_F(ListBesideHostile, PluginsThatFailOnlyTogetherAreListedWithAWarning) {
 
 TEST_F(ListBesideHostile, TimeLimitIsANumberOfSeconds) {
     UseHealthy();
-    EXPECT_EQ(RunWithChosen({"list", "--timeout", "0.5"}).m_nExit, 0);
+    EXPECT_EQ(RunWithChosen({"list", "--timeout", "60.5"}).m_nExit, 0);
     for (const std::string limit : {"nan", "inf", "-1", "0", "3601", "1e2", "soon"}) {
         ExpectFailure(RunWithChosen({"list", "--timeout", limit}), {"--timeout"}, 2);
     }
@@ -208,6 +208,17 @@ TEST_F(ListBesideHostile, IntFromAnEntryPointPassesOverThePlugin) {
     UseHostile("ThrowsIntInGetType");
     ExpectListed("");
     EXPECT_EQ(RunWithChosen({"list"}).m_strOut.find("ThrowsInt"), std::string::npos);
+}
+
+TEST_F(ListBesideHostile, IntOfAStaticObjectIsNamedOnceThePluginsAreAskedOneByOne) {
+    if (support::kThreadSanitizer) GTEST_SKIP() << "it keeps counts over dlopen that an exception upsets";
+    UseHostile("ThrowsIntInLoading");
+    ExpectListed("");
+    UseHostile("AbortsInEntry");
+    const SRunResult result = RunWithChosen({"list"});
+    EXPECT_NE(result.m_strErr.find(FailureLine("ThrowsIntInLoading", "threw: an exception of type int")),
+              std::string::npos)
+        << result.m_strErr;
 }
 
 TEST_F(ListBesideHostile, PluginThatRefusesToFinishIsListed) {

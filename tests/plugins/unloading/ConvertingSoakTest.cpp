@@ -126,10 +126,7 @@ TEST_F(ConvertingSoak, LeavesNothingBehind) {
     EXPECT_EQ(support::Mappings().find(KELO_SNDFILE_PLUGIN), std::string::npos);
     EXPECT_EQ(support::Mappings().find(KELO_SOXR_PLUGIN), std::string::npos);
     if (support::kSanitized) return;
-    // Less than the smallest block of malloc in every fourth round.
-    EXPECT_LT(after.m_nAllocated, before.m_nAllocated + static_cast<std::size_t>(rounds) * 6);
-    EXPECT_LE(after.m_nMappings, before.m_nMappings);
-    EXPECT_LE(after.m_nMapped, before.m_nMapped);
+    support::ExpectNoMoreMemory(before, after, rounds);
 }
 
 }  // namespace
