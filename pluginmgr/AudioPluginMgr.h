@@ -135,7 +135,7 @@ private:
     KELO_HIDDEN static bool WithdrawUnreferenced(CAudioPluginMgr* manager);
     KELO_HIDDEN void ScanPluginDirectory();
     KELO_HIDDEN void LoadPluginFile(const char* path);
-    KELO_HIDDEN void RegisterPrimaryComponent(CAudioPluginLib& library, const char* path);
+    KELO_HIDDEN void RegisterPrimaryComponent(CAudioPluginLib& library);
     KELO_HIDDEN void DiscardLastLibrary(std::size_t componentsBefore);
     KELO_HIDDEN void InitializeComponents();
     KELO_HIDDEN bool InitializeComponent(IAudioComponent& component, IStatus** status);

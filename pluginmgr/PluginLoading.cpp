@@ -111,11 +111,8 @@ void CAudioPluginMgr::DoLoadPlugins() {
 
 void CAudioPluginMgr::ScanPluginDirectory() {
     const std::unique_ptr<CDirEntry> search(CPortableFile::FindFirst("*.so", 0, 0, 0, 2));
-    for (; search->IsValid() != 0; search->Next()) {
-        CPortableFile& entry = search->GetFile();
-        CPortableFile file(entry.GetName(), entry.GetAccessMode());
-        LoadPluginFile(file.GetName());
-    }
+    // An entry's name is its full path.
+    for (; search->IsValid() != 0; search->Next()) LoadPluginFile(search->GetFile().GetName());
 }
 
 void CAudioPluginMgr::LoadPluginFile(const char* path) {
@@ -129,7 +126,7 @@ void CAudioPluginMgr::LoadPluginFile(const char* path) {
         m_vLibraries.push_back(new CAudioPluginLib(path, module.get()));
         static_cast<void>(module.release());
         if (!m_vLibraries.back()->IsOK()) throw 0;
-        RegisterPrimaryComponent(*m_vLibraries.back(), path);
+        RegisterPrimaryComponent(*m_vLibraries.back());
     } catch (int) {
         if (m_vLibraries.size() == librariesBefore) {
             CloseUninitialized(path);
@@ -139,10 +136,10 @@ void CAudioPluginMgr::LoadPluginFile(const char* path) {
     }
 }
 
-void CAudioPluginMgr::RegisterPrimaryComponent(CAudioPluginLib& library, const char* path) {
+void CAudioPluginMgr::RegisterPrimaryComponent(CAudioPluginLib& library) {
     IAudioComponent* component = nullptr;
     if (!library.GetPrimaryAudioObject(&component) || component == nullptr) return;
-    AddComponent(component, CPortableFile::Split_GetFileName(path).GetText(), 0);
+    AddComponent(component, library.GetFileName(), 0);
 }
 
 void CAudioPluginMgr::DiscardLastLibrary(std::size_t componentsBefore) {
