@@ -58,7 +58,7 @@ TEST(SoxrOutputBound, EveryReadFitsTheCallersBufferAndNothingIsLost) {
                                            Held(toRate, layout.m_nToBits, layout.m_nToChannels)};
                 const int sizes[] = {40 + static_cast<int>(random() % 500), 1024 + static_cast<int>(random() % 64),
                                      4096, static_cast<int>(random() % 300000)};
-                for (const int size : sizes) ExpectBounded(plugin, plan, size, static_cast<unsigned>(random()));
+                ExpectBounded(plugin, plan, sizes[random() % 4], static_cast<unsigned>(random()));
                 ASSERT_FALSE(HasFailure())
                     << fromRate << " to " << toRate << ", " << layout.m_nFromBits << '/' << layout.m_nFromChannels
                     << " to " << layout.m_nToBits << '/' << layout.m_nToChannels;
