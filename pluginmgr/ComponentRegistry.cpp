@@ -15,9 +15,9 @@ void MakeRoom(std::vector<T>& list) {
     if (list.size() == list.capacity()) list.reserve(2 * list.size() + 1);
 }
 
-using ComponentOrder = std::vector<CBasicString<char>>;
+using CComponentOrder = std::vector<CBasicString<char>>;
 
-ComponentOrder CopyOrder(CPosixMutex& mutex, const ComponentOrder& order) {
+CComponentOrder CopyOrder(CPosixMutex& mutex, const CComponentOrder& order) {
     const CPosixSingleLock lock(&mutex, 1);
     return order;
 }
@@ -27,7 +27,7 @@ bool IsSame(const CBasicString<char>& left, const CBasicString<char>& right) {
 }
 
 // Keeps the entries that named a decoder, unless somebody set another order meanwhile.
-void PruneOrder(CPosixMutex& mutex, ComponentOrder& order, const ComponentOrder& seen, ComponentOrder& kept) {
+void PruneOrder(CPosixMutex& mutex, CComponentOrder& order, const CComponentOrder& seen, CComponentOrder& kept) {
     const CPosixSingleLock lock(&mutex, 1);
     if (std::equal(order.begin(), order.end(), seen.begin(), seen.end(), IsSame)) order.swap(kept);
 }
@@ -107,8 +107,9 @@ bool CAudioPluginMgr::Get(EAudioComponentType type, IComponentEnum** components)
     auto list = CComPtr<CComponentEnum>::Adopt(new CComponentEnum);
     std::vector<CComPtr<IAudioComponent>> unused = ListDecoders();
     // Without any decoder the order stays as it is.
-    const ComponentOrder order = unused.empty() ? ComponentOrder() : CopyOrder(m_mtxComponentOrder, m_vComponentOrder);
-    ComponentOrder kept;
+    const CComponentOrder order =
+        unused.empty() ? CComponentOrder() : CopyOrder(m_mtxComponentOrder, m_vComponentOrder);
+    CComponentOrder kept;
     for (const CBasicString<char>& wanted : order) {
         const auto match = std::find_if(unused.begin(), unused.end(), [&](const CComPtr<IAudioComponent>& decoder) {
             return IsSame(GetComponentStringID(decoder.Get()), wanted);

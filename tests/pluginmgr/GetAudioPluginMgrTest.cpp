@@ -154,32 +154,14 @@ TEST(LastRelease, WaitsForTheCreationLock) {
     EXPECT_EQ(g_pAudioPluginMgr, nullptr);
 }
 
-// A URL handler that writes down its releases.
-class CNotedHandler final : public support::CFakeComponent, public IURLSourceHandler {
-public:
-    CNotedHandler(const char* name, support::CCallLog& log) : CFakeComponent(name, ACT_URL_HANDLER), m_log(log) {}
-
-    unsigned int AddRef() override { return CFakeComponent::AddRef(); }
-    unsigned int Release() override {
-        m_log.Note(std::string("release ") + GetName());
-        return CFakeComponent::Release();
-    }
-    int QueryInterface(unsigned long identity, void** face) override {
-        return AnswerQuery(*this, identity, face, {{IID_IURLSourceHandler, static_cast<IURLSourceHandler*>(this)}});
-    }
-    unsigned int GetProtocols() override { return URL_HTTP; }
-    bool Fetch(const char*, char*, int, IStatus**) override { return false; }
-
-private:
-    support::CCallLog& m_log;
-};
-
 TEST(LastRelease, ReleasesTheAuxiliaryObjectsThenTheURLHandlerThenTheFactory) {
     support::CCallLog log;
     support::CFakeConvertorFactory factory;
     factory.m_convertor.m_pLog = &log;
-    CNotedHandler handler("handler", log);
-    CNotedHandler object("auxiliary object", log);
+    support::CFakeURLHandler handler("handler", URL_HTTP);
+    handler.m_onCall = [&log](const char* call) { log.Note(call); };
+    support::CFakePlainComponent object("auxiliary object", ACT_DECODER);
+    object.m_onCall = [&log](const char* call) { log.Note("auxiliary object: " + std::string(call)); };
     auto manager = ObtainManager();
     manager->SetConvertor(&factory, nullptr);
     handler.AddRef();
@@ -190,7 +172,7 @@ TEST(LastRelease, ReleasesTheAuxiliaryObjectsThenTheURLHandlerThenTheFactory) {
     log.Clear();
     manager.Reset();
     EXPECT_EQ(log.Lines(),
-              (std::vector<std::string>{"release auxiliary object", "release handler", "release factory"}));
+              (std::vector<std::string>{"auxiliary object: release component", "release handler", "release factory"}));
 }
 
 TEST(CreationLock, IsRecursive) {
