@@ -47,6 +47,7 @@ bool CPositionedTrack::Next() {
     m_nBlockStart = BlockEnd();
     m_nBlockFrames = 0;
     if (!m_track->Next()) return false;
+    if (Block().sample_rate < 1) throw CDamage("sound without a sample rate");
     m_nBlockFrames = Block().nb_samples;
     if (!m_timeline) m_timeline.emplace(m_track->Container().Stream().time_base, Block().sample_rate);
     if (m_bFromBeginning && HasStamp()) m_timeline->Learn({Block().pts, m_nBlockStart});

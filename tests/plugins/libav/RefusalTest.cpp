@@ -1,7 +1,10 @@
 // Files that the decoder does not claim, and the reasons that it gives.
 #include <sys/stat.h>
 
+#include <cstring>
+
 #include "tests/plugins/libav/DecoderUnderTest.h"
+#include "tests/plugins/libav/WrittenFiles.h"
 #include "tests/support/ScratchDirectory.h"
 
 namespace {
@@ -105,6 +108,23 @@ TEST_F(LibavRefusal, SoundThatHasNoDecoderNamesTheCodec) {
         film.replace(at, 4, "drms");
     }
     EXPECT_EQ(Refusal("x.m4a", film), "no decoder for none audio in this QuickTime / MOV file");
+}
+
+TEST_F(LibavRefusal, SoundWithoutASampleRateSaysSo) {
+    const auto bytesOf = [](double rate) {
+        std::uint64_t bits = 0;
+        std::memcpy(&bits, &rate, sizeof bits);
+        return BigEndian(bits, 8);
+    };
+    for (const std::string name : {"x.mkv", "x.caf"}) {
+        RunTool("ffmpeg -i " + Media("source.wav") + " -t 0.1 -c:a pcm_s16be " + m_scratch / name);
+        const std::string whole = Content(m_scratch / name);
+        for (const double rate : {0.0, 0.4}) {
+            std::string broken = whole;
+            broken.replace(broken.find(bytesOf(44100)), 8, bytesOf(rate));
+            EXPECT_THAT(Refusal(name, broken), testing::EndsWith(": sound without a sample rate")) << name << rate;
+        }
+    }
 }
 
 // The formats' own messages belong to a log that is the host's.
