@@ -1,6 +1,7 @@
 // keloaudio: the command-line host of the plug-in manager.
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cerrno>
 #include <exception>
 #include <new>
 #include <string>
@@ -13,6 +14,7 @@
 #include "host/ListCommand.h"
 #include "host/SettingsCommand.h"
 #include "host/StandardOutput.h"
+#include "host/StandardStreams.h"
 #include "host/StopSignal.h"
 #include "host/convert/ConvertCommand.h"
 #include "host/validate/ValidateCommand.h"
@@ -102,6 +104,10 @@ int RunReported(int argc, char** argv) noexcept {
 }  // namespace
 
 int main(int argc, char** argv) {
+    if (!OccupyStandardStreams()) {
+        ReportFailure("/dev/null", SystemErrorText(errno).c_str());
+        return kExitFailed;
+    }
     WatchStopSignals();
     return RunReported(argc, argv);
 }
