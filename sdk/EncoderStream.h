@@ -27,12 +27,16 @@ public:
     bool RawWrite(unsigned char* data, int size, EAudioRawState& /*state*/, IStatus** status) override {
         return Guard(status, [&] {
             if (!IsInProcess()) Refuse("write before start");
+            if (m_bBroken) Refuse("an earlier write has failed");
             if (size == 0) return true;
+            m_bBroken = size < 0;  // what a target passes on when its conversion has failed
             if (data == nullptr || size < 0) throw CBadArgument();
             if (size % m_nBlockSize != 0) {
                 Refuse(std::to_string(size) + " bytes are not whole frames of " + std::to_string(m_nBlockSize));
             }
+            m_bBroken = true;  // left standing by a failure: nobody knows what the file holds then
             m_writer->Write(data, size / m_nBlockSize);
+            m_bBroken = false;
             return true;
         });
     }
@@ -40,12 +44,16 @@ public:
     SWavFormat GetRawFormat() override { return m_format; }
 
 private:
-    void Begin() override { m_writer = m_encoding.CreateWriter(m_request, m_format); }
+    void Begin() override {
+        m_writer = m_encoding.CreateWriter(m_request, m_format);
+        m_bBroken = false;
+    }
 
-    // Closes the file in any case.
+    // Closes the file in any case. A writer may know of its own last step alone.
     void Finish() override {
         const std::unique_ptr<CSoundWriter> writer = std::move(m_writer);
         writer->Finish();
+        if (m_bBroken) Refuse("not written completely: an earlier write has failed");
     }
 
     CFileEncoding& m_encoding;
@@ -53,4 +61,5 @@ private:
     SWavFormat m_format;
     std::int64_t m_nBlockSize;
     std::unique_ptr<CSoundWriter> m_writer;
+    bool m_bBroken = false;  // by a failed write
 };

@@ -27,10 +27,11 @@ public:
     CSoundWriter(const CSoundWriter&) = delete;
     CSoundWriter& operator=(const CSoundWriter&) = delete;
 
-    // Takes `frames` (at least 1) sample frames.
+    // Takes `frames` (at least 1) sample frames. After a failure no further ones follow.
     virtual void Write(const unsigned char* data, std::int64_t frames) = 0;
 
-    // Completes and closes the file; throws when it is not whole. Nothing follows.
+    // Completes and closes the file; throws when it is not whole. After a failed Write the stream refuses its end
+    // whatever is thrown here. Nothing follows.
     virtual void Finish() = 0;
 };
 

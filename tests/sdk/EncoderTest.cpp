@@ -15,6 +15,7 @@ using support::TextOf;
 struct SWritten {
     std::vector<unsigned char> m_bytes;
     bool m_bFinished = false;
+    bool m_bFailsAtWrite = false;
     bool m_bFailsAtFinish = false;
     bool m_bGone = false;
 };
@@ -25,6 +26,7 @@ public:
     ~CMemoryWriter() override { m_written.m_bGone = true; }
 
     void Write(const unsigned char* data, std::int64_t frames) override {
+        if (m_written.m_bFailsAtWrite) Refuse("cannot be written");
         m_written.m_bytes.insert(m_written.m_bytes.end(), data, data + frames * m_nBlockSize);
     }
     void Finish() override {
@@ -143,6 +145,60 @@ TEST_F(SdkEncoder, FileThatIsNotWholeFailsTheEndAndIsClosed) {
     EXPECT_STREQ(TextOf(status), "some.mem: not written completely");
     EXPECT_TRUE(m_encoder.m_written.m_bGone);
     EXPECT_FALSE(process->IsInProcess());
+}
+
+// The writer's own Finish has nothing against it.
+TEST_F(SdkEncoder, FailedWriteFailsTheNextWritesAndTheEnd) {
+    const auto stream = CreateStream(OpenTarget());
+    const auto process = CComPtr<IProcess>::Query(stream.Get(), IID_IProcess);
+    const auto writer = CComPtr<IAudioRawWriter>::Query(stream.Get(), IID_IAudioRawWriter);
+    ASSERT_TRUE(process->Start(nullptr));
+    unsigned char data[] = {1, 2, 3, 4};
+    EAudioRawState state = ARS_MORE;
+    CComPtr<IStatus> status;
+    m_encoder.m_written.m_bFailsAtWrite = true;
+    EXPECT_FALSE(writer->RawWrite(data, 4, state, status.Out()));
+    EXPECT_STREQ(TextOf(status), "some.mem: cannot be written");
+    m_encoder.m_written.m_bFailsAtWrite = false;
+    for (const int size : {4, 0}) {
+        EXPECT_FALSE(writer->RawWrite(data, size, state, status.Out()));
+        EXPECT_STREQ(TextOf(status), "some.mem: an earlier write has failed");
+    }
+    EXPECT_FALSE(process->End(status.Out()));
+    EXPECT_STREQ(TextOf(status), "some.mem: not written completely: an earlier write has failed");
+    EXPECT_TRUE(m_encoder.m_written.m_bFinished);
+    EXPECT_TRUE(m_encoder.m_written.m_bGone);
+    EXPECT_TRUE(m_encoder.m_written.m_bytes.empty());
+    EXPECT_FALSE(process->IsInProcess());
+}
+
+TEST_F(SdkEncoder, SamplesLostInAConversionFailTheEnd) {
+    const auto stream = CreateStream(OpenTarget());
+    const auto process = CComPtr<IProcess>::Query(stream.Get(), IID_IProcess);
+    const auto writer = CComPtr<IAudioRawWriter>::Query(stream.Get(), IID_IAudioRawWriter);
+    ASSERT_TRUE(process->Start(nullptr));
+    unsigned char data[] = {1, 2, 3, 4};
+    EAudioRawState state = ARS_MORE;
+    constexpr int kFailedConversion = -1;
+    EXPECT_FALSE(writer->RawWrite(data, kFailedConversion, state, nullptr));
+    EXPECT_FALSE(writer->RawWrite(data, 4, state, nullptr));
+    EXPECT_FALSE(process->End(nullptr));
+}
+
+TEST_F(SdkEncoder, NewStartForgetsAFailedWrite) {
+    const auto stream = CreateStream(OpenTarget());
+    const auto process = CComPtr<IProcess>::Query(stream.Get(), IID_IProcess);
+    const auto writer = CComPtr<IAudioRawWriter>::Query(stream.Get(), IID_IAudioRawWriter);
+    unsigned char data[] = {1, 2, 3, 4};
+    EAudioRawState state = ARS_MORE;
+    ASSERT_TRUE(process->Start(nullptr));
+    m_encoder.m_written.m_bFailsAtWrite = true;
+    EXPECT_FALSE(writer->RawWrite(data, 4, state, nullptr));
+    m_encoder.m_written.m_bFailsAtWrite = false;
+    EXPECT_FALSE(process->End(nullptr));
+    ASSERT_TRUE(process->Start(nullptr));
+    EXPECT_TRUE(writer->RawWrite(data, 4, state, nullptr));
+    EXPECT_TRUE(process->End(nullptr));
 }
 
 TEST_F(SdkEncoder, StreamThatGoesWithoutAnEndClosesTheFile) {
