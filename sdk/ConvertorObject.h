@@ -54,9 +54,10 @@ private:
     static constexpr int kFailed = -1;
 
     void Feed(const unsigned char* data, std::size_t bytes) {
-        if (m_bEnded || m_bBroken) Restart();
+        const bool begins = m_bEnded || m_bBroken;
         // Left standing by a failure; the next bytes begin a new stream.
         m_bBroken = true;
+        if (begins) Restart();
         const std::size_t used = CompletePartialFrame(data, bytes);
         const std::size_t frames = (bytes - used) / m_nInputBytes;
         if (frames > 0) m_conversion->Write(data + used, static_cast<std::int64_t>(frames), m_queue);
@@ -66,10 +67,10 @@ private:
     }
 
     void Restart() {
-        m_bEnded = false;
         m_queue.Clear();
         m_vPartialFrame.clear();
         m_conversion->Restart();
+        m_bEnded = false;
     }
 
     // Bytes of `data` that went into the frame which an earlier call has begun.

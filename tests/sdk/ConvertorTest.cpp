@@ -14,13 +14,18 @@ using CBytes = std::vector<unsigned char>;
 // Hands the frames on one call late, three bytes each as they are.
 class CLateConversion final : public CConversion {
 public:
+    explicit CLateConversion(const bool& restartFails) : m_bRestartFails(restartFails) {}
+
     void Write(const unsigned char* data, std::int64_t frames, CByteQueue& output) override {
         if (data[0] == 255) Refuse("a bad frame");
         Hand(output);
         m_waiting.assign(data, data + frames * 3);
     }
     void Finish(std::int64_t /*frames*/, CByteQueue& output) override { Hand(output); }
-    void Restart() override { m_waiting.clear(); }
+    void Restart() override {
+        if (m_bRestartFails) Refuse("cannot begin again");
+        m_waiting.clear();
+    }
     std::uint64_t GetClippedSamples() const override { return 7; }
 
 private:
@@ -30,6 +35,7 @@ private:
         m_waiting.clear();
     }
 
+    const bool& m_bRestartFails;
     CBytes m_waiting;
 };
 
@@ -39,13 +45,14 @@ public:
 
     SHeldWavFormat m_from = kUnsetWavFormat;
     SHeldWavFormat m_to = kUnsetWavFormat;
+    bool m_bRestartFails = false;
 
 private:
     std::unique_ptr<CConversion> CreateConversion(const SHeldWavFormat& from, const SHeldWavFormat& to) override {
         if (to.m_nQualifier == 9) Refuse("no such qualifier");
         m_from = from;
         m_to = to;
-        return std::make_unique<CLateConversion>();
+        return std::make_unique<CLateConversion>(m_bRestartFails);
     }
 };
 
@@ -155,6 +162,25 @@ TEST_F(SdkConvertor, BytesAfterTheEndBeginANewStream) {
     EXPECT_EQ(Tail(*convertor), (CBytes{1, 2, 3}));
     EXPECT_EQ(Convert(*convertor, {4, 5, 6}), CBytes{});
     EXPECT_EQ(Tail(*convertor), (CBytes{4, 5, 6})) << "the frame begun before the end is dropped";
+}
+
+TEST_F(SdkConvertor, RestartThatFailsIsTriedAgainWithTheNextBytes) {
+    const auto convertor = Create();
+    CBytes bytes{1, 2, 3};
+    Convert(*convertor, bytes);
+    Tail(*convertor);
+    m_component.m_bRestartFails = true;
+    for (int i = 0; i < 2; ++i) {
+        CComPtr<IStatus> status;
+        EXPECT_FALSE(convertor->Convert(bytes.data(), 3, 0, status.Out()));
+        EXPECT_STREQ(TextOf(status), "cannot begin again");
+    }
+    CComPtr<IStatus> status;
+    EXPECT_FALSE(convertor->Convert(nullptr, 0, 0, status.Out()));
+    EXPECT_STREQ(TextOf(status), "the stream is broken by an earlier failure");
+    m_component.m_bRestartFails = false;
+    EXPECT_EQ(Convert(*convertor, {4, 5, 6}), CBytes{});
+    EXPECT_EQ(Tail(*convertor), (CBytes{4, 5, 6}));
 }
 
 TEST_F(SdkConvertor, TellsClippedSamples) {
