@@ -2,7 +2,6 @@
 #include "host/ChildProcess.h"
 
 #include <fcntl.h>
-#include <poll.h>
 #include <signal.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -54,6 +53,8 @@ void DetachFromTerminal(bool showsErrors) {
 
 CChildProcess::CChildProcess(const std::function<void()>& run, std::chrono::milliseconds limit, bool showsErrors)
     : m_deadline(std::chrono::steady_clock::now() + limit) {
+    // Whoever started this program may ignore it, and then no process leaves a status, waitpid(2).
+    signal(SIGCHLD, SIG_DFL);
     std::fflush(nullptr);
     m_id = fork();
     if (m_id == -1) throw CFailure("a process for plug-ins", SystemErrorText(errno));
@@ -86,10 +87,7 @@ bool CChildProcess::Reap(int options) {
 
 void CChildProcess::Wait() const {
     pollfd descriptor = {m_nDescriptor, POLLIN, 0};
-    for (int ended = 0; ended <= 0;) {
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(m_deadline - std::chrono::steady_clock::now());
-        if (left.count() <= 0 || GetStopSignal() != 0) return;
-        ended = poll(&descriptor, 1, static_cast<int>(left.count()));
+    while (PollUntilStopped(&descriptor, 1, m_deadline) == -1 && GetStopSignal() == 0) {
     }
 }
 

@@ -103,6 +103,16 @@ TEST_F(ListBesideHostile, SignalEndsTheWaitForAPluginThatHangs) {
     ExpectFailure(program.Wait(), {PluginDirectory() + ": stopped by a signal"}, 128 + SIGINT);
 }
 
+TEST_F(ListBesideHostile, WhoeverStartsItMayIgnoreTheEndOfProcesses) {
+    UseHostile("AbortsInEntry");
+    UseHealthy();
+    const SRunResult result =
+        RunProgram({"env", "--ignore-signal=CHLD", KELOAUDIO, "list", "--plugins", PluginDirectory()});
+    EXPECT_EQ(result.m_nExit, 1);
+    ExpectOthers(result);
+    EXPECT_EQ(result.m_strErr, FailureLine("AbortsInEntry", "aborted (signal 6)"));
+}
+
 TEST_F(ListBesideHostile, PluginsThatFailOnlyTogetherAreListedWithAWarning) {
     UseHostile("QuarrelsInEntry");
     UseHostile("QuarrelsInInitialize");
