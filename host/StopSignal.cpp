@@ -3,7 +3,9 @@
 
 #include <signal.h>
 
+#include <algorithm>
 #include <atomic>
+#include <cerrno>
 
 #include "host/Failure.h"
 
@@ -16,6 +18,26 @@ std::atomic<int> g_nStopSignal{0};
 static_assert(std::atomic<int>::is_always_lock_free);
 
 void RememberSignal(int signal) { g_nStopSignal = signal; }
+
+// While it lives, the signals that ask to stop wait; Before() lets them through.
+class CHeldSignals {
+public:
+    CHeldSignals() {
+        sigset_t held;
+        sigemptyset(&held);
+        for (const int signal : kStopSignals) sigaddset(&held, signal);
+        pthread_sigmask(SIG_BLOCK, &held, &m_before);
+    }
+    ~CHeldSignals() { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
+
+    CHeldSignals(const CHeldSignals&) = delete;
+    CHeldSignals& operator=(const CHeldSignals&) = delete;
+
+    const sigset_t* Before() const { return &m_before; }
+
+private:
+    sigset_t m_before;
+};
 
 }  // namespace
 
@@ -42,6 +64,18 @@ void UnwatchStopSignals() {
 }
 
 int GetStopSignal() { return g_nStopSignal; }
+
+int PollUntilStopped(pollfd* descriptors, nfds_t count, std::chrono::steady_clock::time_point deadline) {
+    const CHeldSignals signals;
+    if (GetStopSignal() != 0) {
+        errno = EINTR;
+        return -1;
+    }
+    const auto left = std::max(std::chrono::nanoseconds(0), deadline - std::chrono::steady_clock::now());
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(left);
+    const timespec limit = {seconds.count(), (left - seconds).count()};
+    return ppoll(descriptors, count, &limit, signals.Before());
+}
 
 void RequireNoStopSignal(const std::string& subject) {
     if (GetStopSignal() != 0) throw CFailure(subject, "interrupted, nothing is written");

@@ -1,6 +1,9 @@
 // Signals that ask the program to stop.
 #pragma once
 
+#include <poll.h>
+
+#include <chrono>
 #include <string>
 
 // From here on SIGINT, SIGTERM and SIGHUP only leave a mark, and a file over the size limit and a pipe that
@@ -13,6 +16,9 @@ void UnwatchStopSignals();
 
 // The signal that asked to stop, 0 when none did.
 int GetStopSignal();
+
+// poll(2) until `deadline`, which a signal that asks to stop ends, one that came before it too. Returns what poll does.
+int PollUntilStopped(pollfd* descriptors, nfds_t count, std::chrono::steady_clock::time_point deadline);
 
 // Throws CFailure about `subject` once a signal asks to stop.
 void RequireNoStopSignal(const std::string& subject);

@@ -1,15 +1,11 @@
 // All chosen checks on one plug-in.
 #include "host/validate/PluginRun.h"
 
-#include <poll.h>
-
 #include <algorithm>
-#include <cerrno>
 #include <cstdio>
 #include <filesystem>
 
 #include "host/Failure.h"
-#include "host/FailureText.h"
 #include "host/StopSignal.h"
 #include "host/validate/Catalogue.h"
 #include "host/validate/ServedFiles.h"
@@ -71,6 +67,7 @@ SPluginReport CPluginRun::Run() {
 
 void CPluginRun::Prepare() {
     m_survey = SurveyPlugin(m_around.m_strPlugin, m_scratch.MakeDirectory("survey"), m_options.m_limit);
+    RequireToGoOn();
     if (m_around.m_vSamples.empty()) {
         m_around.m_vSamples = m_survey.m_vSamples;
         m_around.m_bOwnSamples = true;
@@ -138,14 +135,16 @@ void CPluginRun::WaitForOne(CEntries::iterator first, CEntries::iterator last) {
         descriptors.push_back({entry->m_pProcess->GetDescriptor(), POLLIN, 0});
         deadline = std::min(deadline, entry->m_pProcess->GetDeadline());
     }
-    const auto now = std::chrono::steady_clock::now();
-    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - now).count() + 1;
-    const int ended = poll(descriptors.data(), descriptors.size(), static_cast<int>(std::max<long>(0, left)));
-    if (GetStopSignal() != 0) throw CFailure(m_around.m_strPlugin, "stopped by a signal");
+    const int ended = PollUntilStopped(descriptors.data(), descriptors.size(), deadline);
+    RequireToGoOn();
     for (std::size_t i = 0; i < running.size(); ++i) {
         const bool late = running[i]->m_pProcess->GetDeadline() <= std::chrono::steady_clock::now();
         if ((ended > 0 && descriptors[i].revents != 0) || late) Finish(*running[i]);
     }
+}
+
+void CPluginRun::RequireToGoOn() const {
+    if (GetStopSignal() != 0) throw CFailure(m_around.m_strPlugin, "stopped by a signal");
 }
 
 void CPluginRun::Finish(SEntry& entry) {

@@ -71,6 +71,7 @@ private:
     bool StartWaiting(CEntries::iterator first, CEntries::iterator last);
     void Start(SEntry& entry);
     void WaitForOne(CEntries::iterator first, CEntries::iterator last);
+    void RequireToGoOn() const;
     void Finish(SEntry& entry);
 
     const SEntry* Find(const std::string& check) const;
