@@ -50,6 +50,16 @@ void RequireFile(const CFileDescriptor& descriptor) {
     if (S_ISREG(facts.st_mode) && facts.st_size == 0) Refuse("not readable as audio: the file is empty");
 }
 
+// libsndfile 1.2.0 closes the descriptor of a file that it refuses, even one that it is told to leave open: it gets one
+// of its own, and closes that in any case. Both have the same position. By virtual I/O it would misread what an ID3 tag
+// precedes.
+SNDFILE* OpenFromStart(int descriptor, SF_INFO& info) {
+    if (::lseek(descriptor, 0, SEEK_SET) != 0) Refuse(SystemReason(errno));
+    const int own = ::fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
+    if (own < 0) Refuse(SystemReason(errno));
+    return sf_open_fd(own, SFM_READ, &info, SF_TRUE);
+}
+
 // Bytes of one sample in codings that have no frames of their own; 0 for the others.
 int SampleBytesOf(int coding) {
     switch (coding) {
@@ -96,8 +106,7 @@ void CSoundFile::OpenHandle() {
     if (m_survey.m_bChained)
         Refuse("not readable as Ogg audio: a chain of streams, of which only the first would be heard");
     m_info = {};
-    m_handle.reset(m_spliced != nullptr ? m_spliced->OpenHandle(m_info)
-                                        : sf_open_fd(m_descriptor.Get(), SFM_READ, &m_info, SF_FALSE));
+    m_handle.reset(m_spliced != nullptr ? m_spliced->OpenHandle(m_info) : OpenFromStart(m_descriptor.Get(), m_info));
     if (m_handle != nullptr) return;
     // libsndfile keeps this error for the whole process: of two failures at once, one may show the other's reason.
     const std::string reason = m_survey.m_strRefusal.empty() ? sf_strerror(nullptr) : m_survey.m_strRefusal;
@@ -106,7 +115,6 @@ void CSoundFile::OpenHandle() {
 
 void CSoundFile::Reopen() {
     m_handle.reset();
-    if (::lseek(m_descriptor.Get(), 0, SEEK_SET) != 0) Refuse(SystemReason(errno));
     OpenHandle();
 }
 
