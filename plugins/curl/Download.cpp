@@ -14,12 +14,23 @@ namespace {
 
 constexpr const char* kUnfinished = "unfinished";
 
+void RemoveFolder(const CPrivateDirectory& directory, const std::string& name) {
+    ::unlinkat(directory.Descriptor(), name.c_str(), AT_REMOVEDIR);
+}
+
+// A folder that cannot be used does not stay.
+[[noreturn]] void RefuseFolder(const CPrivateDirectory& directory, const std::string& name) {
+    const int error = errno;
+    RemoveFolder(directory, name);
+    Refuse(directory.Path() + ": " + SystemReason(error));
+}
+
 int MakeFolder(const CPrivateDirectory& directory, const std::string& name) {
-    int folder = -1;
-    if (::mkdirat(directory.Descriptor(), name.c_str(), 0700) == 0) {
-        folder = ::openat(directory.Descriptor(), name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    if (::mkdirat(directory.Descriptor(), name.c_str(), 0700) != 0) {
+        Refuse(directory.Path() + ": " + SystemReason(errno));
     }
-    if (folder < 0) Refuse(directory.Path() + ": " + SystemReason(errno));
+    const int folder = ::openat(directory.Descriptor(), name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    if (folder < 0) RefuseFolder(directory, name);
     return folder;
 }
 
@@ -30,13 +41,13 @@ CDownload::CDownload(std::shared_ptr<const CPrivateDirectory> directory, std::st
       m_strFolder(std::move(folder)),
       m_folder(MakeFolder(*m_directory, m_strFolder)),
       m_file(::openat(m_folder.Get(), kUnfinished, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600)) {
-    if (!m_file.IsOpen()) Refuse(m_directory->Path() + ": " + SystemReason(errno));
+    if (!m_file.IsOpen()) RefuseFolder(*m_directory, m_strFolder);
 }
 
 CDownload::~CDownload() {
     if (m_bKept) return;
     ::unlinkat(m_folder.Get(), kUnfinished, 0);
-    ::unlinkat(m_directory->Descriptor(), m_strFolder.c_str(), AT_REMOVEDIR);
+    RemoveFolder(*m_directory, m_strFolder);
 }
 
 int CDownload::Write(const char* data, std::size_t count) {

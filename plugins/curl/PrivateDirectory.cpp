@@ -22,7 +22,11 @@ std::string Make() {
 
 int Open(const std::string& path) {
     const int descriptor = ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-    if (descriptor < 0) Refuse(path + ": " + SystemReason(errno));
+    if (descriptor < 0) {
+        const int error = errno;
+        ::rmdir(path.c_str());
+        Refuse(path + ": " + SystemReason(error));
+    }
     return descriptor;
 }
 
@@ -31,10 +35,12 @@ int Open(const std::string& path) {
 CPrivateDirectory::CPrivateDirectory() : m_strPath(Make()), m_descriptor(Open(m_strPath)), m_nProcess(::getpid()) {}
 
 CPrivateDirectory::~CPrivateDirectory() {
-    if (m_nProcess != ::getpid() || !IsInPlace()) return;
+    if (!IsOwn() || !IsInPlace()) return;
     std::error_code ignored;
     std::filesystem::remove_all(m_strPath, ignored);  // goes by descriptors and removes links as links
 }
+
+bool CPrivateDirectory::IsOwn() const { return m_nProcess == ::getpid(); }
 
 bool CPrivateDirectory::IsInPlace() const {
     struct stat own = {};

@@ -24,6 +24,9 @@ public:
     // For operations relative to the directory itself, whatever its path leads to.
     int Descriptor() const { return m_descriptor.Get(); }
 
+    // Whether this process has made it, and not the one that it was forked from.
+    bool IsOwn() const;
+
     // Whether the path still leads to the directory.
     bool IsInPlace() const;
 

@@ -31,6 +31,35 @@ std::string MakeFile(CDownloads& downloads, const std::string& name = "song.wav"
 
 fs::path DirectoryOf(const std::string& file) { return fs::path(file).parent_path().parent_path(); }
 
+// No descriptor from `most` on can be opened while it lives.
+class CDescriptorLimit {
+public:
+    explicit CDescriptorLimit(rlim_t most) {
+        getrlimit(RLIMIT_NOFILE, &m_before);
+        const rlimit limit = {most, m_before.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &limit);
+    }
+    ~CDescriptorLimit() { setrlimit(RLIMIT_NOFILE, &m_before); }
+
+    CDescriptorLimit(const CDescriptorLimit&) = delete;
+    CDescriptorLimit& operator=(const CDescriptorLimit&) = delete;
+
+private:
+    rlimit m_before = {};
+};
+
+// Whether there was a descriptor for each step.
+bool BeginsWithin(rlim_t most, CDownloads& downloads) {
+    const CDescriptorLimit limit(most);
+    try {
+        downloads.Begin();
+        return true;
+    } catch (const std::runtime_error& failure) {
+        EXPECT_THAT(failure.what(), testing::HasSubstr("Too many open files"));
+        return false;
+    }
+}
+
 // Runs the body with an empty directory that TMPDIR names.
 template <typename TBody>
 void RunWithTemporary(TBody body) {
@@ -215,6 +244,23 @@ TEST(Downloads, NameTheTemporaryDirectoryThatIsMissing) {
             } catch (const std::runtime_error& failure) {
                 EXPECT_THAT(failure.what(), testing::HasSubstr("TMPDIR"));
             }
+        }
+    });
+}
+
+TEST(Downloads, LeaveNothingBehindWhileDescriptorsAreShort) {
+    RunWithTemporary([](const fs::path& temporary) {
+        bool begun = false;
+        for (rlim_t most = 0; !begun; ++most) {
+            ASSERT_LT(most, 100U);
+            CDownloads downloads;
+            begun = BeginsWithin(most, downloads);
+            // The directory itself waits for the next.
+            for (const fs::directory_entry& entry : fs::recursive_directory_iterator(temporary)) {
+                EXPECT_EQ(entry.path().parent_path(), temporary) << most;
+            }
+            downloads.Remove();
+            EXPECT_TRUE(fs::is_empty(temporary)) << most;
         }
     });
 }
