@@ -5,7 +5,8 @@
 
 std::unique_ptr<CDownload> CDownloads::Begin() {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (m_directory == nullptr || !m_directory->IsInPlace()) m_directory = std::make_shared<CPrivateDirectory>();
+    const bool usable = m_directory != nullptr && m_directory->IsOwn() && m_directory->IsInPlace();
+    if (!usable) m_directory = std::make_shared<CPrivateDirectory>();
     return std::make_unique<CDownload>(m_directory, std::to_string(++m_nFolders));
 }
 

@@ -9,8 +9,8 @@
 // [any thread]
 class CDownloads {
 public:
-    // The directory is made for the first one, and again when somebody has removed it. Throws the reason why it cannot
-    // be had.
+    // The directory is made for the first one, and again when somebody has removed it or in a forked process. Throws
+    // the reason why it cannot be had.
     std::unique_ptr<CDownload> Begin();
 
     // Removes every file.

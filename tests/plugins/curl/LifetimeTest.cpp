@@ -94,6 +94,18 @@ TEST_F(CurlLifetime, ChildThatEndsLeavesItsParentsFiles) {
     EXPECT_EQ(Content(fetched.m_strPath), kSong);
 }
 
+TEST_F(CurlLifetime, ParentAndChildFetchSideBySide) {
+    const std::string url = Http("song.flac");
+    NameOfFetched(url);
+    EXPECT_EQ(RunInChild([&] {
+                  m_plugin.Fetch(url);
+                  return m_plugin.Fetch(url).m_bFetched ? 0 : 1;
+              }),
+              0);
+    NameOfFetched(url);
+    EXPECT_EQ(LeftBehind().size(), 5U) << testing::PrintToString(LeftBehind());
+}
+
 // libcurl takes a memory of its own only from whoever initialises it first.
 TEST_F(CurlLifetime, TerminateLeavesLibcurlAsBeforeItsFirstUse) {
     NameOfFetched(Http("song.flac"));
