@@ -41,12 +41,24 @@ int ReportWrongUsage(const std::string& text, const CCommands& commands) {
     return kExitWrongUsage;
 }
 
+// "--out-dir=", as a script writes it whose variable is empty.
+bool IsOptionWithEmptyValue(const std::string& argument) {
+    return argument.size() > 3 && argument.compare(0, 2, "--") == 0 && argument.find('=') == argument.size() - 1;
+}
+
 // In CLI11's order, the last one first. CLI11 takes a name in square brackets for a list, which "./" before it
-// prevents.
+// prevents, and gives an option with an empty value the next argument as its value, unless the empty one is that.
 std::vector<std::string> ArgumentsOf(int argc, char** argv) {
-    std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
-    for (std::string& argument : arguments) {
+    std::vector<std::string> arguments;
+    bool namesOnly = false;
+    for (int i = 1; i < argc; ++i) {
+        std::string argument = argv[i];
+        namesOnly = namesOnly || argument == "--";
         if (!argument.empty() && argument.front() == '[' && argument.back() == ']') argument.insert(0, "./");
+        const bool emptyValue = !namesOnly && IsOptionWithEmptyValue(argument);
+        if (emptyValue) argument.pop_back();
+        arguments.push_back(std::move(argument));
+        if (emptyValue) arguments.emplace_back();
     }
     std::reverse(arguments.begin(), arguments.end());
     return arguments;

@@ -85,10 +85,15 @@ void AddFormatOptions(CLI::App& app, SConvertOptions& options) {
     AddSettingOption(app, options.m_settings);
 }
 
+// A dot alone would be an empty extension, and that the form with two names, whose second one is overwritten.
+std::string RefuseNoExtension(const std::string& text) {
+    return text == "." ? "a dot is no extension" : RefuseEmpty(text);
+}
+
 void AddOutputOptions(CLI::App& app, SConvertOptions& options) {
     app.add_option("--to", options.m_strExtension, "Extension of the outputs, which chooses the encoder")
         ->type_name("EXTENSION")
-        ->check(RefuseEmpty);
+        ->check(RefuseNoExtension);
     app.add_option("--out-dir", options.m_strOutputDirectory,
                    "Directory of the outputs; if left out, beside the inputs")
         ->type_name("DIR")

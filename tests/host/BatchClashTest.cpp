@@ -11,7 +11,8 @@ protected:
     }
 
     // Fails with these words and leaves everything as it was.
-    void ExpectRefused(const std::vector<std::string>& arguments, const std::vector<std::string>& words) const {
+    void ExpectRefused(const std::vector<std::string>& arguments, const std::vector<std::string>& words,
+                       int status = 1) const {
         const auto names = [&] {
             std::vector<std::string> all;
             for (const auto& entry : std::filesystem::recursive_directory_iterator(WorkDirectory())) {
@@ -23,7 +24,7 @@ protected:
         const std::vector<std::string> before = names();
         std::vector<std::string> command = {"convert"};
         command.insert(command.end(), arguments.begin(), arguments.end());
-        ExpectFailure(Run(command), words);
+        ExpectFailure(Run(command), words, status);
         EXPECT_EQ(names(), before);
     }
 };
@@ -91,6 +92,22 @@ TEST_F(BatchClash, OriginalInTheTargetFormatIsNotReplacedByItsNamesake) {
     const SRunResult skipped = Run({"convert", "-r", "in", "--to", "wav", "--skip-existing"});
     EXPECT_EQ(skipped.m_nExit, 0) << skipped.m_strErr;
     EXPECT_TRUE(ReadWholeFile(InWork("in/a.wav")) == original);
+}
+
+TEST_F(BatchClash, ExtensionOrDirectoryOfAnEmptyVariableIsRefused) {
+    CopyTo("a.wav");
+    CopyTo("music/b.wav");
+    std::filesystem::resize_file(InWork("music/b.wav"), 40000);
+    const std::string original = ReadWholeFile(InWork("music/b.wav"));
+    for (const std::vector<std::string>& option :
+         {std::vector<std::string>{"--to", "."}, {"--to=."}, {"--to", ""}, {"--to="}}) {
+        std::vector<std::string> arguments = option;
+        arguments.insert(arguments.end(), {"a.wav", "music/b.wav"});
+        ExpectRefused(arguments, {"keloaudio: --to: "}, 2);
+        EXPECT_TRUE(ReadWholeFile(InWork("music/b.wav")) == original);
+    }
+    ExpectRefused({"--out-dir=", "music", "a.wav", "--to", "wav"}, {"keloaudio: --out-dir: an empty name"}, 2);
+    ExpectRefused({"--out-dir", "", "music", "a.wav", "--to", "wav"}, {"keloaudio: --out-dir: an empty name"}, 2);
 }
 
 TEST_F(BatchClash, FormsThatDoNotGoTogetherAreWrongUsage) {

@@ -37,6 +37,15 @@ TEST_F(Usage, EmptyNamesAreRefused) {
     EXPECT_EQ(NamesIn(WorkDirectory()), std::vector<std::string>{});
 }
 
+TEST_F(Usage, OptionWithAnEmptyValueDoesNotTakeTheNextArgument) {
+    for (const std::string option : {"--plugins", "--rate", "--start", "--set", "--shard", "--quality"}) {
+        ExpectFailure(Run({"convert", option + "=", "0/2", kFrontCenter, "--to", "wav", "--dry-run"}), {option}, 2);
+    }
+    ExpectFailure(Run({"convert", kFrontCenter, "out.wav", "--json="}), {"keloaudio: "}, 2);
+    std::filesystem::copy_file(kFrontCenter, InWork("--to="));
+    ExpectConverted(Run({"convert", "--plugins", SoundPluginDirectory(), "--", "--to=", "out.wav"}), "out.wav: ");
+}
+
 TEST_F(Usage, UnknownCommandOrOptionIsRefused) {
     ExpectFailure(Run({}), {"subcommand"}, 2);
     ExpectFailure(Run({"play"}), {"subcommand"}, 2);
