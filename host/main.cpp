@@ -64,6 +64,20 @@ std::vector<std::string> ArgumentsOf(int argc, char** argv) {
     return arguments;
 }
 
+// Runs the command that was named. The exit status.
+int RunCommand(const CCommands& commands) {
+    int exitStatus = 0;
+    try {
+        for (const auto& [defined, run] : commands) {
+            if (defined->parsed()) exitStatus = run();
+        }
+    } catch (const CWrongUsage& failure) {
+        return ReportWrongUsage(failure.what(), commands);
+    }
+    FlushStandardOutput();
+    return GetStopSignal() != 0 ? kExitSignalBase + GetStopSignal() : exitStatus;
+}
+
 // The exit status.
 int RunCommandLine(int argc, char** argv) {
     CLI::App app("Converts audio files through the plug-in manager, lists its plug-ins and shows their settings.",
@@ -83,18 +97,12 @@ int RunCommandLine(int argc, char** argv) {
     try {
         app.parse(ArgumentsOf(argc, argv));
     } catch (const CLI::ParseError& error) {
-        return error.get_exit_code() == 0 ? app.exit(error) : ReportWrongUsage(error.what(), commands);
+        if (error.get_exit_code() != 0) return ReportWrongUsage(error.what(), commands);
+        app.exit(error);
+        FlushStandardOutput();
+        return 0;
     }
-    int exitStatus = 0;
-    try {
-        for (const auto& [defined, run] : commands) {
-            if (defined->parsed()) exitStatus = run();
-        }
-    } catch (const CWrongUsage& failure) {
-        return ReportWrongUsage(failure.what(), commands);
-    }
-    if (exitStatus == 0) FlushStandardOutput();
-    return GetStopSignal() != 0 ? kExitSignalBase + GetStopSignal() : exitStatus;
+    return RunCommand(commands);
 }
 
 // Whatever ends a command ends here, as one line.

@@ -5,6 +5,7 @@
 
 #include "host/FormatText.h"
 #include "host/Json.h"
+#include "host/StandardOutput.h"
 #include "host/StopSignal.h"
 #include "host/convert/Jobs.h"
 
@@ -85,7 +86,10 @@ void CBatch::ReportUnread() {
 }
 
 void CBatch::Summarise() {
-    if (m_options.m_bJson) PrintJson(SummaryJson());
+    if (m_options.m_bJson) {
+        PrintJson(SummaryJson());
+        FlushStandardOutput();
+    }
     const int converted = CountOf(m_vResults, EOutcome::Converted);
     const std::string ofAll = " of " + Counted(static_cast<int>(m_vResults.size()), "file", "files");
     const int failed = CountOf(m_vResults, EOutcome::Failed);

@@ -1,4 +1,4 @@
-// Standard streams that are closed.
+// Standard streams that are closed or take nothing.
 #include "tests/host/KeloAudio.h"
 
 namespace {
@@ -14,7 +14,7 @@ protected:
     // With the plug-ins that the test chose.
     SRunResult RunRedirected(const std::string& arguments, const std::string& redirection) const {
         const std::string command =
-            std::string("exec ") + KELOAUDIO + " " + arguments + " --plugins " + PluginDirectory() + " " + redirection;
+            "KELO_AUDIO_PLUGINS=" + PluginDirectory() + " exec " + KELOAUDIO + " " + arguments + " " + redirection;
         return RunProgram({"bash", "-c", command}, WorkDirectory());
     }
 };
@@ -41,5 +41,28 @@ TEST_F(StandardStreams, WarningsForAClosedStandardErrorAreInNoOutputOfAnotherJob
     const std::string plain = ReadWholeFile(InWork("plain.flac"));
     for (int i = 0; i < kFiles; ++i) {
         EXPECT_TRUE(ReadWholeFile(InWork("out/" + std::to_string(i) + ".flac")) == plain) << i;
+    }
+}
+
+TEST_F(StandardStreams, WhatStandardOutputDoesNotTakeIsToldOnce) {
+    m_scratch.Write("work/in.wide", "x");
+    for (const std::string arguments : {"--version", "--help", "convert --help", "list", "list --json",
+                                        "validate --list-checks", "info in.wide", "convert in.wide out.wav --json"}) {
+        SCOPED_TRACE(arguments);
+        ExpectFailure(RunRedirected(arguments, ">/dev/full"), {"keloaudio: standard output: "});
+        ExpectFailure(RunRedirected(arguments, ">&-"), {"keloaudio: standard output: "});
+    }
+}
+
+TEST_F(StandardStreams, WhatStandardOutputDoesNotTakeIsToldBesideOtherFailures) {
+    m_scratch.Write("work/in.wide", "x");
+    for (const std::string arguments : {"info missing.wav --json", "info in.wide missing.wav",
+                                        "convert missing.wav out.wav --json", "convert missing.wav --to wav --json"}) {
+        SCOPED_TRACE(arguments);
+        const SRunResult result = RunRedirected(arguments, ">/dev/full");
+        EXPECT_EQ(result.m_nExit, 1);
+        EXPECT_EQ(result.m_strErr,
+                  "keloaudio: missing.wav: No such file or directory\n"
+                  "keloaudio: standard output: No space left on device\n");
     }
 }
