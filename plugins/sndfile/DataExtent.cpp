@@ -23,6 +23,13 @@ struct SChunk {
     std::uint64_t m_nSize;  // of the content
 };
 
+// What a file declares of its samples' chunk, and where.
+struct SDeclaredSize {
+    std::uint64_t m_nSize;
+    std::uint64_t m_nField;
+    std::size_t m_nFieldBytes;
+};
+
 struct SFormatLayout {
     const char* m_strFormat;
     SChunkLayout m_layout;
@@ -63,10 +70,10 @@ bool IsUnknown(std::uint64_t size) {
     return size == 0 || isBelow(0xFFFFFFFF) || isBelow(0x80000000) || isBelow(0x7F000000 + 0x100) || size >> 62 != 0;
 }
 
-std::string SizeBytes(std::uint64_t size, const SChunkLayout& layout) {
+std::string SizeBytes(std::uint64_t size, std::size_t count, CNumberReader order) {
     std::string bytes;
-    for (std::size_t i = 0; i < layout.m_nSizeBytes; ++i) bytes += static_cast<char>(size >> (8 * i));
-    if (layout.m_pNumber == FromBigEndian) std::reverse(bytes.begin(), bytes.end());
+    for (std::size_t i = 0; i < count; ++i) bytes += static_cast<char>(size >> (8 * i));
+    if (order == FromBigEndian) std::reverse(bytes.begin(), bytes.end());
     return bytes;
 }
 
@@ -79,10 +86,16 @@ bool IsChunk(CFileBytes& file, const SChunkLayout& layout, std::uint64_t at) {
            layout.m_pNumber(header.substr(layout.m_nNameBytes)) <= file.Size() - at;
 }
 
-// EBU Tech 3306: the sizes that do not fit 32 bits are in a chunk of their own, that of the samples its second.
-std::uint64_t LongDataSize(CFileBytes& file) {
-    const auto sizes = FindChunk(file, kRiff, "ds64");
-    return sizes ? FromLittleEndian(file.At(sizes->m_nContent + 8, 8)) : 0;
+// EBU Tech 3306: the sizes of an RF64 file are in a chunk of their own, that of the samples its second. Where it
+// comes before them, the codec asks no other.
+SDeclaredSize DeclaredSize(CFileBytes& file, const SChunkLayout& layout, const SChunk& data) {
+    const bool isLong = file.At(0, 4) == "RF64";
+    const auto sizes = isLong ? FindChunk(file, kRiff, "ds64") : std::nullopt;
+    if (!sizes || sizes->m_nContent + 16 > data.m_nSizeField) {
+        return {data.m_nSize, data.m_nSizeField, layout.m_nSizeBytes};
+    }
+    const std::uint64_t field = sizes->m_nContent + 8;
+    return {FromLittleEndian(file.At(field, 8)), field, 8};
 }
 
 // .snd, offset of the samples, their size (Sun's audio(5)); .snd turned round, lowest bytes first.
@@ -93,7 +106,8 @@ std::optional<SDataExtent> FindAuExtent(CFileBytes& file) {
     const std::uint64_t start = layout.m_pNumber(header.substr(4, 4));
     const std::uint64_t size = layout.m_pNumber(header.substr(8));
     const std::uint64_t present = file.Size() > start ? file.Size() - start : 0;
-    return SDataExtent{IsUnknown(size) ? 0 : size, present, size == 0 && present != 0, 8, SizeBytes(present, layout)};
+    return SDataExtent{IsUnknown(size) ? 0 : size, present, size == 0 && present != 0, 8,
+                       SizeBytes(present, 4, layout.m_pNumber)};
 }
 
 }  // namespace
@@ -110,13 +124,13 @@ std::optional<SDataExtent> FindDataExtent(CFileBytes& file, const std::string& f
     std::uint64_t header = format->m_nDataHeader;
     // AIFF 1.3: the samples begin behind as many bytes as the first word says.
     if (format->m_strData[0] == 'S') header += FromBigEndian(file.At(data->m_nContent, 4));
-    std::uint64_t size = data->m_nSize;
-    if (size == 0xFFFFFFFF && file.At(0, 4) == "RF64") size = LongDataSize(file);
+    const SDeclaredSize declared = DeclaredSize(file, layout, *data);
+    const std::uint64_t size = declared.m_nSize;
 
     const std::uint64_t start = data->m_nContent + header;
     const std::uint64_t present = file.Size() > start ? file.Size() - start : 0;
     const bool open = size <= header ? !IsChunk(file, layout, start) : IsUnknown(size) && size - header > present;
-    const bool unfinished = open && present != 0 && (layout.m_nSizeBytes == 8 || present < 0xFFFF0000);
-    return SDataExtent{IsUnknown(size) || size < header ? 0 : size - header, present, unfinished, data->m_nSizeField,
-                       SizeBytes(present + header + layout.m_nSizeCounts, layout)};
+    const bool unfinished = open && present != 0 && (declared.m_nFieldBytes == 8 || present < 0xFFFF0000);
+    return SDataExtent{IsUnknown(size) || size < header ? 0 : size - header, present, unfinished, declared.m_nField,
+                       SizeBytes(present + header + layout.m_nSizeCounts, declared.m_nFieldBytes, layout.m_pNumber)};
 }

@@ -66,6 +66,15 @@ std::string WithSize(std::string file, const std::string& mark, const std::strin
     return file.replace(file.find(mark) + mark.size(), size.size(), size);
 }
 
+// EBU Tech 3306; two channels of 16 bits, `size` bytes of samples by its own account.
+std::string Rf64File(const std::string& samples, std::uint64_t size) {
+    const std::string riff = WavFile({44100, 16, 2}, samples);
+    const std::string sizes = LittleEndian(size != 0 ? riff.size() + 28 : 0, 8) + LittleEndian(size, 8) +
+                              LittleEndian(size / 4, 8) + LittleEndian(0, 4);
+    const std::string whole = "RF64" + LittleEndian(0xFFFFFFFF, 4) + "WAVE" + Chunk("ds64", sizes) + riff.substr(12);
+    return WithSize(whole, "data", LittleEndian(0xFFFFFFFF, 4));
+}
+
 struct SContainer {
     const char* m_strName;
     const char* m_strOptions;  // to sox
@@ -188,6 +197,10 @@ TEST(SndfileCutShort, IsNotSaidOfSizesThatWereNeverFilledIn) {
     const std::string samples = RandomBytes(4000);
     const std::string wav = WavFile({44100, 16, 2}, samples);
     ExpectWhole(scratch.Write("x.wav", WithSize(wav, "data", LittleEndian(0, 4))), samples);
+    for (const std::uint64_t size : {std::uint64_t{0}, ~std::uint64_t{0}}) {
+        ExpectWhole(scratch.Write("x.wav", Rf64File(samples, size)), samples);
+        ExpectWhole(scratch.Write("x.wav", WithSize(Rf64File(samples, size), "data", LittleEndian(0, 4))), samples);
+    }
     for (const std::string name : {"x.aiff", "x.au", "x.caf", "x.w64"}) {
         RunTool("sox -D " + scratch.Write("whole.wav", wav) + " " + scratch / name);
         const std::string whole = Content(scratch / name);
@@ -231,6 +244,10 @@ TEST(SndfileCutShort, IsNotSaidOfWhatToolsWriteToAPipe) {
         RunTool(raw + "-t " + type + " - | cat > " + scratch / ("x." + type));
         ExpectWhole(scratch / ("x." + type), samples);
     }
+    for (const std::string rf64 : {"never", "auto", "always"}) {
+        RunTool("ffmpeg -v error -i " + kVoice + " -rf64 " + rf64 + " -f wav - | cat > " + scratch / "x.wav");
+        ExpectWhole(scratch / "x.wav", samples);
+    }
 }
 
 TEST(SndfileCutShort, IsNotSaidOfOtherCodingsAndShortSounds) {
@@ -255,13 +272,8 @@ TEST(SndfileCutShort, InAnAdpcmFileTellsThatTheEndIsMissing) {
 
 TEST(SndfileCutShort, InAnRf64FileIsToldByItsLongSize) {
     CScratchDirectory scratch;
-    const SWavFormat format{44100, 16, 2};
     const std::string samples = RandomBytes(4000);
-    const std::string riff = WavFile(format, samples);
-    const std::string sizes =
-        LittleEndian(riff.size() + 28, 8) + LittleEndian(4000, 8) + LittleEndian(1000, 8) + LittleEndian(0, 4);
-    std::string whole = "RF64" + LittleEndian(0xFFFFFFFF, 4) + "WAVE" + Chunk("ds64", sizes) + riff.substr(12);
-    whole = WithSize(whole, "data", LittleEndian(0xFFFFFFFF, 4));
+    const std::string whole = Rf64File(samples, 4000);
     ExpectWhole(scratch.Write("x.wav", whole), samples);
     const SOutcome outcome = OutcomeOf(scratch.Write("cut.wav", whole.substr(0, whole.size() - 400)));
     EXPECT_EQ(outcome.m_strReason, CutShort("cut.wav", 900, 1000));
