@@ -4,6 +4,7 @@
 #include <grp.h>
 #include <pwd.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -39,14 +40,22 @@ bool IsPrivateGroup(gid_t group) {
     return entry != nullptr && name == entry->gr_name && entry->gr_mem[0] == nullptr;
 }
 
+// Where there is an access list, the group's permissions are the most that it gives to anybody in it, acl(5).
+std::string WhoWritesBesideGroup(const fs::path& path) {
+    if (getxattr(path.c_str(), "system.posix_acl_access", nullptr, 0) >= 0) {
+        return "an access list may let others write to it";
+    }
+    if (errno == ENODATA || errno == ENOTSUP) return {};
+    return "whether an access list lets others write to it cannot be told: " + SystemErrorText(errno);
+}
+
 // Who else may write to it, empty when nobody.
-std::string WhoElseWrites(const struct stat& entry) {
+std::string WhoElseWrites(const fs::path& path, const struct stat& entry) {
     if (entry.st_uid != 0 && entry.st_uid != geteuid()) return "it belongs to " + OwnerText(entry.st_uid);
     if ((entry.st_mode & S_IWOTH) != 0) return "everybody may write to it";
-    if ((entry.st_mode & S_IWGRP) != 0 && entry.st_gid != 0 && !IsPrivateGroup(entry.st_gid)) {
-        return "its group may write to it";
-    }
-    return {};
+    if ((entry.st_mode & S_IWGRP) == 0) return {};
+    if (entry.st_gid != 0 && !IsPrivateGroup(entry.st_gid)) return "its group may write to it";
+    return WhoWritesBesideGroup(path);
 }
 
 void RequireTrusted(const fs::path& path, bool allowSticky) {
@@ -55,7 +64,7 @@ void RequireTrusted(const fs::path& path, bool allowSticky) {
         if (errno == ENOENT) return;  // a link to nothing
         throw CFailure(path, SystemErrorText(errno));
     }
-    const std::string reason = WhoElseWrites(entry);
+    const std::string reason = WhoElseWrites(path, entry);
     // In a directory such as /tmp nobody replaces what belongs to another.
     const bool sticky = (entry.st_mode & S_ISVTX) != 0 && (entry.st_uid == 0 || entry.st_uid == geteuid());
     if (reason.empty() || (allowSticky && sticky)) return;

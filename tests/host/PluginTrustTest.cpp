@@ -1,12 +1,35 @@
 // Plug-in directories that others may write to.
+#include <pwd.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
+
+#include <cerrno>
+#include <cstdint>
 
 #include "tests/host/KeloAudio.h"
 
 namespace {
 
 constexpr uid_t kNobody = 65534;
+
+// A user of every Debian system, with a group of his own.
+constexpr const char* kUserWithGroup = "games";
+
+// The kernel's form of an access list, linux/posix_acl_xattr.h and acl(5).
+struct SAccessList {
+    struct SEntry {
+        std::uint16_t m_nTag;
+        std::uint16_t m_nPermissions;
+        std::uint32_t m_nId;
+    };
+
+    std::uint32_t m_nVersion = 2;
+    SEntry m_entries[5];
+};
+
+// What "u::rwx,u:nobody:rwx,g::r-x,m::rwx,o::r-x" stands for.
+constexpr SAccessList kNobodyWrites = {2, {{1, 7, ~0U}, {2, 7, kNobody}, {4, 5, ~0U}, {16, 7, ~0U}, {32, 5, ~0U}}};
 
 class PluginTrust : public CKeloAudio {
 protected:
@@ -28,6 +51,15 @@ protected:
     static void SetMode(const std::string& path, mode_t mode) { ASSERT_EQ(chmod(path.c_str(), mode), 0) << path; }
     static void SetOwner(const std::string& path, uid_t user, gid_t group) {
         ASSERT_EQ(chown(path.c_str(), user, group), 0) << path;
+    }
+
+    // False where the file system has no access lists.
+    static bool LetNobodyWrite(const std::string& path) {
+        if (setxattr(path.c_str(), "system.posix_acl_access", &kNobodyWrites, sizeof(kNobodyWrites), 0) == 0) {
+            return true;
+        }
+        EXPECT_EQ(errno, ENOTSUP) << path;
+        return false;
     }
 };
 
@@ -57,6 +89,36 @@ TEST_F(PluginTrust, GroupThatWrites) {
     ExpectRefused(PluginDirectory(), "its group may write to it");
     SetOwner(PluginDirectory(), 0, 0);
     ExpectTrusted();
+}
+
+TEST_F(PluginTrust, AccessListThatLetsAnotherUserWrite) {
+    for (const std::string& path : {PluginDirectory(), Plugin()}) {
+        if (!LetNobodyWrite(path)) GTEST_SKIP() << "no access lists on the file system of " << path;
+        ExpectRefused(path, "an access list may let others write to it");
+        SetMode(path, 0755);  // its mask: whom the list names may only read
+        ExpectTrusted();
+    }
+}
+
+TEST_F(PluginTrust, GroupOfTheUserAlone) {
+    const passwd* const user = getpwnam(kUserWithGroup);
+    if (geteuid() != 0 || user == nullptr) GTEST_SKIP() << "only root becomes " << kUserWithGroup;
+    const uid_t id = user->pw_uid;
+    const gid_t group = user->pw_gid;
+    const auto list = [&] {
+        return RunProgram({"setpriv", "--reuid", std::to_string(id), "--regid", std::to_string(group), "--clear-groups",
+                           KELOAUDIO, "list", "--plugins", PluginDirectory()});
+    };
+    SetMode(m_scratch.Path(), 0755);
+    SetMode(PluginDirectory(), 0775);
+    SetOwner(PluginDirectory(), id, group);
+    const SRunResult trusted = list();
+    EXPECT_EQ(trusted.m_nExit, 0) << trusted.m_strErr;
+    SetOwner(PluginDirectory(), id, kNobody);
+    ExpectFailure(list(), {"plug-ins are not safe there: its group may write to it"});
+    SetOwner(PluginDirectory(), id, group);
+    if (!LetNobodyWrite(PluginDirectory())) GTEST_SKIP() << "no access lists on the file system of the scratch files";
+    ExpectFailure(list(), {"plug-ins are not safe there: an access list may let others write to it"});
 }
 
 TEST_F(PluginTrust, OwnerWhoIsSomebodyElse) {
