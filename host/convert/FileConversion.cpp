@@ -88,12 +88,11 @@ void CopyToStandardOutput(const std::string& path) {
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"), std::fclose);
     if (!file) throw CFailure(path, SystemErrorText(errno));
     std::vector<char> block(kBlock);
+    FlushStandardOutput();
     for (std::size_t read = 0; (read = std::fread(block.data(), 1, block.size(), file.get())) > 0;) {
-        if (std::fwrite(block.data(), 1, read, stdout) != read)
-            throw CFailure("standard output", SystemErrorText(errno));
+        WriteToStandardOutput(block.data(), read);
     }
     if (std::ferror(file.get()) != 0) throw CFailure(path, "reading it back failed");
-    FlushStandardOutput();
 }
 
 }  // namespace

@@ -1,6 +1,9 @@
 // Signals that stop a conversion.
+#include <fcntl.h>
 #include <signal.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <thread>
@@ -31,6 +34,26 @@ protected:
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
         }
         ADD_FAILURE() << "nothing is written";
+    }
+
+    static void WaitUntilFull(int pipe) {
+        int held = 0;
+        for (int i = 0; i < 3000 && held < fcntl(pipe, F_GETPIPE_SZ); ++i) {
+            ioctl(pipe, FIONREAD, &held);
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+    }
+
+    // Reads up to `most` bytes, or to the end.
+    static std::size_t Take(int pipe, std::size_t most) {
+        std::vector<char> block(4096);
+        std::size_t taken = 0;
+        while (taken < most) {
+            const ssize_t read = ::read(pipe, block.data(), block.size());
+            if (read <= 0) break;
+            taken += static_cast<std::size_t>(read);
+        }
+        return taken;
     }
 
     void ExpectStopped(int signal) const {
@@ -120,4 +143,23 @@ TEST_F(StopSignal, InterruptReachesJobsThatWaitForPipes) {
     EXPECT_EQ(result.m_nExit, 128 + SIGINT);
     EXPECT_NE(result.m_strErr.find("keloaudio: interrupted: 0 of 4 files converted\n"), std::string::npos)
         << result.m_strErr;
+}
+
+TEST_F(StopSignal, InterruptEndsWhatAPipeTakesSlowly) {
+    ASSERT_EQ(mkfifo(InWork("pipe").c_str(), 0600), 0);
+    const std::string command = std::string("exec ") + KELOAUDIO + " convert in.endless --end 10 --stdout --plugins " +
+                                PluginDirectory() + " >pipe";
+    CRunningProgram program({"bash", "-c", command}, WorkDirectory());
+    const int pipe = open(InWork("pipe").c_str(), O_RDONLY | O_CLOEXEC);
+    ASSERT_GE(pipe, 0);
+    WaitUntilFull(pipe);
+    // A wait that has written something ends without an error.
+    std::size_t taken = Take(pipe, 8192);
+    WaitUntilFull(pipe);
+    program.Signal(SIGINT);
+    EXPECT_TRUE(program.WaitFor(std::chrono::seconds(10)));
+    taken += Take(pipe, 4 * 44100 * 10);
+    close(pipe);
+    ExpectFailure(program.Wait(), {"keloaudio: standard output: interrupted, not all of it is written"}, 128 + SIGINT);
+    EXPECT_LT(taken, 4u * 44100u * 10u);
 }
