@@ -27,10 +27,11 @@ std::uint64_t SkipTags(CFileBytes& file) {
     }
 }
 
-// Whether `links` frames akin to `header` follow one another from `at`, or fewer up to the end.
-bool FramesFollow(CFileBytes& file, const CMpegHeader& kin, std::uint64_t at, std::uint64_t end, int links) {
+// Whether `links` frames akin to `header` follow one another from `at`, or, where that is enough, fewer up to the end.
+bool FramesFollow(CFileBytes& file, const CMpegHeader& kin, std::uint64_t at, std::uint64_t end, int links,
+                  bool endIsEnough = true) {
     for (int link = 0; link < links; ++link) {
-        if (at >= end) return link > 0;
+        if (at >= end) return endIsEnough && link > 0;
         const auto header = CMpegHeader::Parse(file.At(at, kMpegHeaderBytes));
         if (!header || !header->IsAkinTo(kin)) return false;
         at += header->FrameBytes();
@@ -56,10 +57,14 @@ std::optional<CMpegHeader> FrameAt(CFileBytes& file, const CMpegHeader& kin, std
 std::optional<SMpegStart> FindMpegStart(CFileBytes& file) {
     const std::uint64_t from = SkipTags(file);
     const std::uint64_t end = MpegAudioEnd(file);
-    for (std::uint64_t at = from; at < std::min(end, from + kStartSearch); ++at) {
+    const auto first = CMpegHeader::Parse(file.At(from, kMpegHeaderBytes));
+    if (!first) return std::nullopt;
+    if (FramesFollow(file, *first, from, end, kLinksAtStart)) return SMpegStart{from, *first};
+    for (std::uint64_t at = from + 1; at < std::min(end, from + kStartSearch); ++at) {
         const auto header = CMpegHeader::Parse(file.At(at, kMpegHeaderBytes));
-        const int links = at == from ? kLinksAtStart : kLinksBehindOtherBytes;
-        if (header && FramesFollow(file, *header, at, end, links)) return SMpegStart{at, *header};
+        if (header && FramesFollow(file, *header, at, end, kLinksBehindOtherBytes, false)) {
+            return SMpegStart{at, *header};
+        }
     }
     return std::nullopt;
 }

@@ -19,7 +19,9 @@ struct SMpegCount {
     bool m_bEndsInFrame = false;  // the file ends inside one more
 };
 
-// The first frame behind ID3v2 tags; none when the file is not MPEG audio or is in free format.
+// The first frame behind ID3v2 tags; none when the file is not MPEG audio or is in free format. The codec knows MPEG
+// audio by what looks like a frame right behind the tags, and so does this: other bytes there are those of another
+// format, whatever follows.
 std::optional<SMpegStart> FindMpegStart(CFileBytes& file);
 
 // End of the audio: before an ID3v1 tag, else the end of the file.

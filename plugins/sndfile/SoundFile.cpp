@@ -132,11 +132,11 @@ sf_count_t CSoundFile::LastSureFrame() const {
 
 // What the survey could not tell without the codec. Throws where the codec would deliver less than was counted.
 void CSoundFile::Promise() {
-    if (m_info.frames < m_survey.m_nCounted) {
+    const int container = m_info.format & SF_FORMAT_TYPEMASK;
+    if (container == SF_FORMAT_MPEG && m_info.frames < m_survey.m_nCounted) {
         Refuse("not readable as MPEG audio: the codec would deliver " + std::to_string(m_info.frames) + " of " +
                std::to_string(m_survey.m_nCounted) + " frames");
     }
-    const int container = m_info.format & SF_FORMAT_TYPEMASK;
     const bool counted = container == SF_FORMAT_FLAC || (container == SF_FORMAT_MPEG && m_survey.m_splice);
     if (counted && m_survey.m_nPromised == 0 && m_info.frames < SF_COUNT_MAX) m_survey.m_nPromised = m_info.frames;
 

@@ -1,4 +1,6 @@
 // MPEG audio that does not tell its length, or tells a wrong one, is delivered to its last frame.
+#include <sndfile.h>
+
 #include "tests/plugins/sndfile/AudioFiles.h"
 #include "tests/plugins/sndfile/PluginUnderTest.h"
 #include "tests/support/ScratchDirectory.h"
@@ -75,6 +77,26 @@ std::string WithInfo(std::string file, std::uint32_t moreFrames, std::uint32_t m
         for (int i = 0; i < 4; ++i) field[i] = static_cast<unsigned char>(value >> (24 - 8 * i));
     }
     return file;
+}
+
+// Samples of 16 bits whose bytes, whichever comes first, hold the header of a frame that reaches over their end.
+std::string SamplesLikeAFrame() {
+    std::string samples(4000, '\0');
+    samples.replace(3800, 4, std::string("\xFF\xFB\x90\x00", 4));
+    return samples.replace(3900, 4, std::string("\xFB\xFF\x00\x90", 4));
+}
+
+// As the codec itself writes it.
+void WriteMono16(const std::string& path, int container, const std::string& samples) {
+    SF_INFO info = {};
+    info.samplerate = 44100;
+    info.channels = 1;
+    info.format = container | SF_FORMAT_PCM_16;
+    SNDFILE* const file = sf_open(path.c_str(), SFM_WRITE, &info);
+    ASSERT_NE(file, nullptr) << sf_strerror(nullptr);
+    const auto frames = static_cast<sf_count_t>(samples.size() / 2);
+    EXPECT_EQ(sf_writef_short(file, reinterpret_cast<const short*>(samples.data()), frames), frames);
+    EXPECT_EQ(sf_close(file), 0);
 }
 
 }  // namespace
@@ -244,4 +266,23 @@ TEST(SndfileMpegLength, OfNothingButAnInfoFrameRefusesTheFile) {
     MakeMp3(scratch, "-b 128");
     const std::string path = scratch.Write("cut.mp3", Content(scratch / "x.mp3").substr(0, 500));
     EXPECT_EQ(RefusalOf(path), "cut.mp3: not readable as audio: no whole frame is there");
+}
+
+TEST(SndfileMpegLength, IsNotLookedForInFilesOfOtherFormats) {
+    CScratchDirectory scratch;
+    const std::string samples = SamplesLikeAFrame();
+    for (const int container : {SF_FORMAT_IRCAM, SF_FORMAT_HTK, SF_FORMAT_MAT4, SF_FORMAT_MPC2K}) {
+        WriteMono16(scratch / "x.bin", container, samples);
+        EXPECT_TRUE(Decoded(scratch / "x.bin") == samples) << std::hex << container;
+    }
+}
+
+TEST(SndfileMpegLength, IsNotLookedForInOtherFormatsBehindATag) {
+    CScratchDirectory scratch;
+    const std::string samples = SamplesLikeAFrame();
+    const std::string tag("ID3\3\0\0\0\0\0\20ABCDEFGHIJKLMNOP", 26);
+    const std::string wav = WavFile({44100, 16, 1}, samples);
+    EXPECT_TRUE(Decoded(scratch.Write("x.wav", tag + wav)) == samples);
+    RunTool("flac -s -f -o " + scratch / "x.flac" + " " + scratch.Write("x.wav", wav));
+    EXPECT_TRUE(Decoded(scratch.Write("tagged.flac", tag + Content(scratch / "x.flac"))) == samples);
 }
