@@ -69,9 +69,7 @@ void CBatch::Report(const SConversionResult& result) {
         default:
             break;
     }
-    if (!result.m_report.m_strWarning.empty()) {
-        m_console.ReportFailure(result.m_strInput + ": " + result.m_report.m_strWarning);
-    }
+    ReportLosses({m_session, m_options, m_console}, result.m_strInput, result.m_report);
     m_console.PrintLine(LineText(result));
 }
 

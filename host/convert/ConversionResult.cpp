@@ -15,10 +15,15 @@ std::string StreamText(const SStreamReport& stream) {
     return FormatText(stream.m_format) + ", " + LengthText(stream.m_nFrames, stream.m_format.m_format.nSampleRate);
 }
 
+// Empty for none.
 std::string ClippingText(const SConversionReport& report) {
     if (report.m_nClippedSamples == 0) return {};
-    return ", " + std::to_string(report.m_nClippedSamples) +
+    return std::to_string(report.m_nClippedSamples) +
            (report.m_nClippedSamples == 1 ? " sample clipped" : " samples clipped");
+}
+
+std::string Joined(const std::string& left, const std::string& separator, const std::string& right) {
+    return left + (left.empty() || right.empty() ? "" : separator) + right;
 }
 
 nlohmann::ordered_json StreamJson(const SStreamReport& stream) {
@@ -54,14 +59,20 @@ void SetFailure(SConversionResult& result, const CFailure& failure) {
 
 std::string ReportText(const SConversionResult& result) {
     return Printable(result.m_strInput) + ": " + StreamText(result.m_report.m_source) + "\n" +
-           Printable(result.m_strOutput) + ": " + StreamText(result.m_report.m_target) + ClippingText(result.m_report);
+           Printable(result.m_strOutput) + ": " +
+           Joined(StreamText(result.m_report.m_target), ", ", ClippingText(result.m_report));
 }
 
 std::string LineText(const SConversionResult& result) {
     const std::string names = Printable(result.m_strInput + " -> " + result.m_strOutput);
     if (result.m_eOutcome == EOutcome::Skipped) return names + ": skipped, it is there";
     if (result.m_eOutcome != EOutcome::Converted) return names;
-    return names + ": " + StreamText(result.m_report.m_target) + ClippingText(result.m_report);
+    return names + ": " + Joined(StreamText(result.m_report.m_target), ", ", ClippingText(result.m_report));
+}
+
+std::string LossText(const SConversionReport& report, const SConvertOptions& options) {
+    const bool clippingTold = !options.m_bStandardOutput && (options.m_bJson || !options.m_bQuiet);
+    return Joined(report.m_strWarning, "; ", clippingTold ? "" : ClippingText(report));
 }
 
 nlohmann::ordered_json ToJson(const SConversionResult& result) {

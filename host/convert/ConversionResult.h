@@ -33,6 +33,10 @@ std::string ReportText(const SConversionResult& result);
 // One line: both names, the output's format and length, and what there is to remark.
 std::string LineText(const SConversionResult& result);
 
+// What standard error tells of a converted file: the warning, and the clipped samples where neither a line nor JSON
+// tells them. Empty for nothing.
+std::string LossText(const SConversionReport& report, const SConvertOptions& options);
+
 nlohmann::ordered_json ToJson(const SConversionResult& result);
 
 int CountOf(const std::vector<SConversionResult>& results, EOutcome outcome);

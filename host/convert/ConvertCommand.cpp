@@ -65,9 +65,7 @@ int ConvertOne(const CPluginSession& session, const SConvertOptions& options) {
     } else if (result.m_strFailure.empty()) {
         report(result);
     }
-    if (!result.m_report.m_strWarning.empty()) {
-        console.ReportFailure(result.m_strInput + ": " + result.m_report.m_strWarning);
-    }
+    ReportLosses({session, options, console}, result.m_strInput, result.m_report);
     if (result.m_strFailure.empty()) return 0;
     if (options.m_bJson && !reported) PrintJson(ToJson(result));
     console.ReportFailure(result.m_strFailure);

@@ -149,7 +149,7 @@ void AddConvertOptions(CLI::App& app, SConvertOptions& options) {
         ->type_name("I/N");
     AddFormatOptions(app, options);
     AddPluginOptions(app, options.m_plugins);
-    app.add_flag("--quiet,-q", options.m_bQuiet, "Say nothing but what fails");
+    app.add_flag("--quiet,-q", options.m_bQuiet, "Say nothing but what fails or gets lost");
     app.add_flag("--json", options.m_bJson, "Say it as JSON");
 }
 

@@ -124,6 +124,11 @@ SConversionResult ConvertFile(const SConversionSetting& setting, const SPlannedF
     return result;
 }
 
+void ReportLosses(const SConversionSetting& setting, const std::string& input, const SConversionReport& report) {
+    const std::string losses = LossText(report, setting.m_options);
+    if (!losses.empty()) setting.m_console.ReportFailure(input + ": " + losses);
+}
+
 SWorkload WorkloadOf(const std::vector<SPlannedFile>& files, const std::vector<SConversionResult>& expected) {
     SWorkload workload{0, 0};
     for (std::size_t i = 0; i < files.size(); ++i) {
@@ -143,9 +148,7 @@ void ConvertToStandardOutput(const SConversionSetting& setting) {
         const CTemporaryFile file("standard output", FromStart(fs::temp_directory_path()), "keloaudio");
         CFileProgress progress(name, setting.m_console);
         const SConversionReport report = conversion.Run(file.GetPath(), progress.Listener());
-        if (!report.m_strWarning.empty()) {
-            setting.m_console.ReportFailure(name.GetGiven() + ": " + report.m_strWarning);
-        }
+        ReportLosses(setting, name.GetGiven(), report);
         CopyToStandardOutput(file.GetPath());
     });
 }

@@ -20,6 +20,9 @@ struct SConversionSetting {
 // Never throws a CFailure: it is in the result. [stream-thread]
 SConversionResult ConvertFile(const SConversionSetting& setting, const SPlannedFile& file, const CCommitHook& hook);
 
+// Says on standard error what of `input` got lost on the way, unless it is told elsewhere.
+void ReportLosses(const SConversionSetting& setting, const std::string& input, const SConversionReport& report);
+
 // The result of a file before anything has been done: planned, skipped where the options say so, or, in a dry run,
 // failed for an input that is not there.
 SConversionResult ExpectedResult(const SConvertOptions& options, const SPlannedFile& file);

@@ -19,6 +19,13 @@ protected:
         RunTool({"ffmpeg", "-loglevel", "error", "-f", "f32le", "-ar", "48000", "-ac", "1", "-i", path, "-c:a",
                  "pcm_f32le", "-y", InWork(name)});
     }
+
+    // All that the run says on standard error.
+    void ExpectSays(const std::vector<std::string>& arguments, const std::string& text) const {
+        const SRunResult result = Run(arguments);
+        EXPECT_EQ(result.m_nExit, 0);
+        EXPECT_EQ(result.m_strErr, text);
+    }
 };
 
 }  // namespace
@@ -30,6 +37,35 @@ TEST_F(Clipping, IsToldInTheLineOfTheOutput) {
     ExpectConverted(Run({"convert", "in.wav", "out.flac"}), "1000 frames, 0.020 s, 1 sample clipped\n");
     WriteSound("in.wav", 0);
     ExpectConverted(Run({"convert", "in.wav", "out.flac"}), "1000 frames, 0.020 s\n");
+}
+
+TEST_F(Clipping, IsToldOnStandardErrorWhereThereIsNoLine) {
+    WriteSound("in.wav", 12);
+    for (const std::vector<std::string>& form : {std::vector<std::string>{"convert", "in.wav", "out.flac", "--quiet"},
+                                                 {"convert", "in.wav", "--to", "flac", "--quiet"},
+                                                 {"convert", "in.wav", "--to", "flac", "--stdout"},
+                                                 {"convert", "in.wav", "--to", "flac", "--stdout", "--quiet"}}) {
+        ExpectSays(form, "keloaudio: in.wav: 12 samples clipped\n");
+    }
+    WriteSound("in.wav", 0);
+    ExpectSays({"convert", "in.wav", "out.flac", "--quiet"}, "");
+    ExpectSays({"convert", "in.wav", "--to", "flac", "--stdout"}, "");
+}
+
+TEST_F(Clipping, IsToldInJsonAndNotAgain) {
+    WriteSound("in.wav", 12);
+    ExpectSays({"convert", "in.wav", "out.flac", "--quiet", "--json"}, "");
+    ExpectSays({"convert", "in.wav", "--to", "flac", "--quiet", "--json"}, "");
+}
+
+TEST_F(Clipping, SharesItsLineWithOtherLosses) {
+    WriteSound("in.wav", 12);
+    RunTool({"ffmpeg", "-loglevel", "error", "-i", InWork("in.wav"), "-c:a", "copy", "-metadata",
+             "title=" + std::string(5000, 'x'), InWork("titled.caf")});
+    const std::string losses = Run({"convert", "titled.caf", "out.ogg", "--quiet"}).m_strErr;
+    EXPECT_EQ(losses.rfind("keloaudio: titled.caf: the title is left out: ", 0), 0u) << losses;
+    EXPECT_NE(losses.find("; 12 samples clipped\n"), std::string::npos) << losses;
+    EXPECT_TRUE(IsOneLine(losses)) << losses;
 }
 
 TEST_F(Clipping, IsCountedForEachFileOfABatchAlone) {
