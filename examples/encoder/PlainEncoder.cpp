@@ -19,7 +19,9 @@ struct SPlainHeader {
     char m_strTitle[64];
 };
 
-constexpr int kMaxChannels = 8;
+constexpr std::int32_t kMaxSampleRate = 768000;
+constexpr std::int32_t kMaxChannels = 8;
+constexpr std::int32_t kMaxBits = 32;
 
 SPlainHeader HeaderOf(const STargetRequest& request, const SWavFormat& format) {
     SPlainHeader header{{'P', 'L', 'N', '1'},
@@ -27,8 +29,7 @@ SPlainHeader HeaderOf(const STargetRequest& request, const SWavFormat& format) {
                         static_cast<std::uint16_t>(format.nChannels),
                         static_cast<std::uint16_t>(format.nBitsPerSample),
                         {}};
-    const std::string& title = request.m_tags.m_strTitle;
-    std::copy_n(title.begin(), std::min(title.size(), sizeof(header.m_strTitle)), header.m_strTitle);
+    request.m_tags.m_strTitle.copy(header.m_strTitle, sizeof(header.m_strTitle));
     return header;
 }
 
@@ -48,8 +49,11 @@ public:
         WriteBytes(data, static_cast<std::size_t>(frames) * m_nBlockSize);
     }
 
+    // Closing tells of what was still to be written, and not of what failed before.
     void Finish() override {
+        const bool failed = std::ferror(m_file.get()) != 0;
         if (std::fclose(m_file.release()) != 0) Refuse("not written completely: " + SystemReason(errno));
+        if (failed) Refuse("not written completely");
     }
 
 private:
@@ -75,9 +79,11 @@ private:
         if (format.nChannels < 1 || format.nChannels > kMaxChannels) {
             Refuse("a plain file has no " + std::to_string(format.nChannels) + " channels");
         }
-        if (format.nSampleRate < 1) Refuse("a plain file has no " + std::to_string(format.nSampleRate) + " Hz");
-        const std::int32_t bits = std::clamp((format.nBitsPerSample + 7) / 8 * 8, 8, 32);
-        return {format.nSampleRate, bits, format.nChannels};
+        if (format.nSampleRate < 1 || format.nSampleRate > kMaxSampleRate) {
+            Refuse("a plain file has no " + std::to_string(format.nSampleRate) + " Hz");
+        }
+        const std::int32_t bytes = (std::min(format.nBitsPerSample, kMaxBits) + 7) / 8;
+        return {format.nSampleRate, 8 * bytes, format.nChannels};
     }
 
     std::unique_ptr<CSoundWriter> CreateWriter(const STargetRequest& request, const SWavFormat& accepted) override {
@@ -85,6 +91,13 @@ private:
     }
 
     bool HasTag(const STargetRequest& /*request*/, ETag tag) override { return tag == TAG_TITLE; }
+
+    // A longer title would have to be cut, perhaps inside a character.
+    void CheckTag(const STargetRequest& /*request*/, ETag /*tag*/, const std::string& text) override {
+        if (text.size() > sizeof(SPlainHeader::m_strTitle)) {
+            Refuse("a title of " + std::to_string(text.size()) + " bytes, where a plain file holds 64");
+        }
+    }
 };
 
 }  // namespace
