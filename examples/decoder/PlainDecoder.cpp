@@ -5,10 +5,12 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 
 #include "sdk/Decoder.h"
 #include "sdk/Plugin.h"
+#include "sdk/Utf8.h"
 
 namespace {
 
@@ -23,11 +25,19 @@ struct SPlainHeader {
 constexpr std::uint32_t kMaxSampleRate = 768000;
 constexpr std::uint16_t kMaxChannels = 8;
 
+// Opening a pipe would wait until somebody writes to it.
+std::ifstream OpenRegularFile(const std::string& path) {
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(path, error)) Refuse(error ? error.message() : "not a regular file");
+    std::ifstream file(path, std::ios::binary);
+    if (!file) Refuse(SystemReason(errno));
+    return file;
+}
+
 // One open file. Whatever is thrown reaches the host as a false result with these words. [stream-thread]
 class CPlainSound final : public CSound {
 public:
-    explicit CPlainSound(const std::string& path) : m_file(path, std::ios::binary) {
-        if (!m_file) Refuse(SystemReason(errno));
+    explicit CPlainSound(const std::string& path) : m_file(OpenRegularFile(path)) {
         ReadHeader();
         m_file.seekg(0, std::ios::end);
         const std::int64_t bytes = m_file.tellg() - kDataOffset;
@@ -61,7 +71,7 @@ public:
 
     STags GetTags() const override {
         STags tags;
-        tags.m_strTitle.assign(m_header.m_strTitle, strnlen(m_header.m_strTitle, sizeof(m_header.m_strTitle)));
+        tags.m_strTitle = AsUtf8({m_header.m_strTitle, strnlen(m_header.m_strTitle, sizeof(m_header.m_strTitle))});
         return tags;
     }
 
