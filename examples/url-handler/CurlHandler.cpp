@@ -14,6 +14,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr long kConnectSeconds = 10;
+constexpr long kStallSeconds = 30;
+constexpr curl_off_t kMaxBytes = curl_off_t{4} << 30;
+
 // The last part of the address's path: decoders are chosen by its extension, and people may read it as a title.
 std::string NameOf(const std::string& url) {
     const std::string path = url.substr(0, url.find_first_of("?#"));
@@ -38,6 +42,22 @@ std::string WithoutUserInfo(const std::string& url) {
     return at == std::string::npos || at < host ? url : url.substr(0, host) + url.substr(at + 1);
 }
 
+// libcurl itself may look at the announced size alone, and some streams have no end.
+std::size_t Store(char* data, std::size_t size, std::size_t count, void* file) {
+    auto* const stream = static_cast<std::FILE*>(file);
+    const std::size_t bytes = size * count;
+    return ftello(stream) + static_cast<curl_off_t>(bytes) <= kMaxBytes ? std::fwrite(data, 1, bytes, stream) : 0;
+}
+
+// A host waits for it without a way to end it: the limits do.
+void SetLimits(CURL* curl) {
+    curl_easy_setopt(curl, CURLOPT_CONNECTTIMEOUT, kConnectSeconds);
+    curl_easy_setopt(curl, CURLOPT_LOW_SPEED_LIMIT, 1L);
+    curl_easy_setopt(curl, CURLOPT_LOW_SPEED_TIME, kStallSeconds);
+    curl_easy_setopt(curl, CURLOPT_MAXFILESIZE_LARGE, kMaxBytes);
+    curl_easy_setopt(curl, CURLOPT_MAXREDIRS, 5L);
+}
+
 void Download(const std::string& url, std::FILE* file) {
     const CCurlPtr curl(curl_easy_init());
     if (curl == nullptr) Refuse("libcurl cannot be used");
@@ -45,10 +65,11 @@ void Download(const std::string& url, std::FILE* file) {
     curl_easy_setopt(curl.get(), CURLOPT_PROTOCOLS_STR, "http");
     curl_easy_setopt(curl.get(), CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
     curl_easy_setopt(curl.get(), CURLOPT_FOLLOWLOCATION, 1L);
-    curl_easy_setopt(curl.get(), CURLOPT_MAXREDIRS, 5L);
     curl_easy_setopt(curl.get(), CURLOPT_FAILONERROR, 1L);
     curl_easy_setopt(curl.get(), CURLOPT_NOSIGNAL, 1L);
+    curl_easy_setopt(curl.get(), CURLOPT_WRITEFUNCTION, &Store);
     curl_easy_setopt(curl.get(), CURLOPT_WRITEDATA, file);
+    SetLimits(curl.get());
     const CURLcode result = curl_easy_perform(curl.get());
     if (result != CURLE_OK) Refuse(WithoutUserInfo(url) + ": " + curl_easy_strerror(result));
 }
