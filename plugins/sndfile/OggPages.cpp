@@ -6,8 +6,8 @@
 
 namespace {
 
-// RFC 3533, 6: 27 bytes, of which 5 is the header type, 6 the granule position, 14 the stream's serial number, 18 the
-// page's number in it, 26 the count of lacing values that follow.
+// RFC 3533, 6: 27 bytes, of which 5 is the header type, 6 the granule position, 14 the stream's serial number, 26 the
+// count of lacing values that follow.
 constexpr std::size_t kHeaderBytes = 27;
 constexpr std::uint64_t kNoGranule = ~std::uint64_t{0};  // no packet ends in the page
 constexpr char kBeginOfStream = 2;
@@ -18,7 +18,6 @@ struct SPage {
     std::uint64_t m_nEnd;
     std::uint64_t m_nGranule;
     std::uint64_t m_nSerial;
-    std::uint64_t m_nNumber;
     bool m_bBeginsStream;
     bool m_bEndsStream;
     bool m_bEndsInPacket;
@@ -36,7 +35,6 @@ std::optional<SPage> PageAt(CFileBytes& file, std::uint64_t at) {
     return SPage{end,
                  FromLittleEndian(header.substr(6, 8)),
                  FromLittleEndian(header.substr(14, 4)),
-                 FromLittleEndian(header.substr(18, 4)),
                  (header[5] & kBeginOfStream) != 0,
                  (header[5] & kEndOfStream) != 0,
                  !lacing.empty() && lacing.back() == '\xFF'};
@@ -44,8 +42,15 @@ std::optional<SPage> PageAt(CFileBytes& file, std::uint64_t at) {
 
 // From `at` on; `limit` when there is none before.
 std::uint64_t FindCapture(CFileBytes& file, std::uint64_t at, std::uint64_t limit) {
-    while (at < limit && file.At(at, 4) != "OggS") ++at;
-    return at;
+    constexpr std::size_t kStep = 4096;
+    while (at < limit) {
+        const std::string_view bytes = file.At(at, kStep);
+        const std::size_t found = bytes.find("OggS");
+        if (found != std::string_view::npos) return std::min(at + found, limit);
+        if (bytes.size() < kStep) break;
+        at += kStep - 3;
+    }
+    return limit;
 }
 
 // A page that another one or the end of the file follows: no chance find. `limit` when it does not begin below that.
@@ -64,27 +69,31 @@ std::optional<std::uint64_t> GranulesAfter(const std::optional<SPage>& before, c
     return page.m_nGranule - before->m_nGranule;
 }
 
-// Of the streams whose first pages stand together at the beginning.
-std::vector<std::uint64_t> FirstSerials(CFileBytes& file) {
-    std::vector<std::uint64_t> serials;
-    for (std::uint64_t at = 0;;) {
-        const auto page = PageAt(file, at);
-        if (!page || !page->m_bBeginsStream) return serials;
-        serials.push_back(page->m_nSerial);
-        at = page->m_nEnd;
+// The streams whose first pages stand together at the beginning, and where the other pages begin.
+struct SFirstPages {
+    std::vector<std::uint64_t> m_vSerials;
+    std::uint64_t m_nEnd = 0;
+};
+
+SFirstPages FirstPages(CFileBytes& file) {
+    SFirstPages first;
+    for (;;) {
+        const auto page = PageAt(file, first.m_nEnd);
+        if (!page || !page->m_bBeginsStream) return first;
+        first.m_vSerials.push_back(page->m_nSerial);
+        first.m_nEnd = page->m_nEnd;
     }
 }
 
-// A few pages all over the file show it of any stream that was put there more than once.
-bool StartsAnew(CFileBytes& file, std::uint64_t serial) {
-    constexpr std::uint64_t kProbes = 8;
-    std::uint64_t before = 0;
-    for (std::uint64_t probe = 0; probe < kProbes; ++probe) {
-        const std::uint64_t from = file.Size() * probe / kProbes;
-        const auto page = PageAt(file, FindPage(file, from, std::min(file.Size(), from + 2 * kMostPageBytes)));
-        if (!page || page->m_nSerial != serial) continue;
-        if (page->m_nNumber < before) return true;
-        before = page->m_nNumber;
+// Goes from header to header, over no more than two pages of what is none.
+bool BeginsStreamBehind(CFileBytes& file, std::uint64_t at) {
+    std::uint64_t others = 2 * kMostPageBytes;
+    while (at < file.Size() && others > 0) {
+        const auto page = PageAt(file, at);
+        if (page && page->m_bBeginsStream) return true;
+        const std::uint64_t next = page ? page->m_nEnd : FindPage(file, at + 1, std::min(file.Size(), at + others));
+        if (!page) others -= next - at;
+        at = next;
     }
     return false;
 }
@@ -120,7 +129,9 @@ SOggEnd FindOggEnd(CFileBytes& file) {
 }
 
 bool IsOggChain(CFileBytes& file, const SOggEnd& end) {
-    const std::vector<std::uint64_t> serials = FirstSerials(file);
+    const SFirstPages first = FirstPages(file);
+    const std::vector<std::uint64_t>& serials = first.m_vSerials;
     if (serials.empty() || end.m_nAt == 0) return false;
-    return std::find(serials.begin(), serials.end(), end.m_nSerial) == serials.end() || StartsAnew(file, serials[0]);
+    return std::find(serials.begin(), serials.end(), end.m_nSerial) == serials.end() ||
+           BeginsStreamBehind(file, first.m_nEnd);
 }

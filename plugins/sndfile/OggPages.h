@@ -18,6 +18,6 @@ struct SOggEnd {
 
 SOggEnd FindOggEnd(CFileBytes& file);
 
-// Whether streams follow one another (RFC 3533, 4): the last page belongs to none of those that begin the file, or the
-// numbers of the pages start anew on the way.
+// Whether streams follow one another (RFC 3533, 4): the last page belongs to none of those that begin the file, or one
+// begins behind other pages. Looks at every page.
 bool IsOggChain(CFileBytes& file, const SOggEnd& end);

@@ -79,6 +79,25 @@ TEST(SndfileRefusals, TellAChainOfOggStreams) {
     EXPECT_EQ(RefusalOf(scratch.Write("mixed.ogg", bell + voice)), "mixed.ogg" + reason);
 }
 
+// Streams of any length, and of the same number as others, which a program that numbers them itself may give them.
+TEST(SndfileRefusals, TellAChainWhoseLastPageIsOfAStreamThatBeganTheFile) {
+    CScratchDirectory scratch;
+    const auto stream = [&scratch](const std::string& seconds, const std::string& serial) {
+        RunTool("sox -R -n -r 16000 -c 1 -b 16 " + scratch / "x.wav" + " synth " + seconds + " pinknoise");
+        RunTool("oggenc -Q -s " + serial + " -o " + scratch / "x.ogg" + " " + scratch / "x.wav");
+        return Content(scratch / "x.ogg");
+    };
+    const std::string second = stream("1", "1");
+    const std::string longer = stream("40", "2");
+    const std::string shorter = stream("0.5", "2");
+    const std::string reason =
+        "x.ogg: not readable as Ogg audio: a chain of streams, of which only the first would be heard";
+    for (const std::string& chain : {second + longer + second, longer + shorter, shorter + longer,
+                                     longer + "other bytes" + shorter, longer + std::string(100000, '\0') + shorter}) {
+        EXPECT_EQ(RefusalOf(scratch.Write("x.ogg", chain)), reason) << chain.size();
+    }
+}
+
 TEST(SndfileRefusals, AreSilentWithoutAStatusPointer) {
     IUnknown* stream = nullptr;
     EXPECT_FALSE(OpenSource("/nonexistent/x.wav", &stream, nullptr));
