@@ -24,12 +24,16 @@ std::string SkippedText(const SCheck& needed, EVerdict verdict) {
     return std::string(needed.m_szName) + (verdict == EVerdict::Skipped ? " was skipped" : " did not pass");
 }
 
-std::vector<std::string> NotesOn(const SSurvey& survey) {
-    if (survey.m_fLoadMilliseconds <= kSlowLoading) return {};
-    char text[64];
-    std::snprintf(text, sizeof(text), "the loader takes %.1f ms, more than %.0f", survey.m_fLoadMilliseconds,
-                  kSlowLoading);
-    return {text};
+CNotes NotesOn(const SSurvey& survey) {
+    CNotes notes;
+    if (!survey.m_strTrouble.empty()) notes.push_back({"the survey did not pass: " + survey.m_strTrouble, true});
+    if (survey.m_fLoadMilliseconds > kSlowLoading) {
+        char text[64];
+        std::snprintf(text, sizeof(text), "the loader takes %.1f ms, more than %.0f", survey.m_fLoadMilliseconds,
+                      kSlowLoading);
+        notes.push_back({text, false});
+    }
+    return notes;
 }
 
 }  // namespace
@@ -67,7 +71,6 @@ SPluginReport CPluginRun::Run() {
 
 void CPluginRun::Prepare() {
     m_survey = SurveyPlugin(m_around.m_strPlugin, m_scratch.MakeDirectory("survey"), m_options.m_limit);
-    RequireToGoOn();
     if (m_around.m_vSamples.empty()) {
         m_around.m_vSamples = m_survey.m_vSamples;
         m_around.m_bOwnSamples = true;
@@ -136,15 +139,11 @@ void CPluginRun::WaitForOne(CEntries::iterator first, CEntries::iterator last) {
         deadline = std::min(deadline, entry->m_pProcess->GetDeadline());
     }
     const int ended = PollUntilStopped(descriptors.data(), descriptors.size(), deadline);
-    RequireToGoOn();
+    if (GetStopSignal() != 0) throw CFailure(m_around.m_strPlugin, "stopped by a signal");
     for (std::size_t i = 0; i < running.size(); ++i) {
         const bool late = running[i]->m_pProcess->GetDeadline() <= std::chrono::steady_clock::now();
         if ((ended > 0 && descriptors[i].revents != 0) || late) Finish(*running[i]);
     }
-}
-
-void CPluginRun::RequireToGoOn() const {
-    if (GetStopSignal() != 0) throw CFailure(m_around.m_strPlugin, "stopped by a signal");
 }
 
 void CPluginRun::Finish(SEntry& entry) {

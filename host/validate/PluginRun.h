@@ -30,13 +30,19 @@ struct SCheckResult {
     SOutcome m_outcome;
 };
 
+// Nothing to fail by: "the loader takes 7.1 ms, more than 5" and the like.
+struct SNote {
+    std::string m_strText;
+    bool m_bInShort;  // worth a line of the short report, which leaves out what depends on how busy the machine is
+};
+
+using CNotes = std::vector<SNote>;
+
 struct SPluginReport {
     std::string m_strPath;
     SSurvey m_survey;
     std::vector<SCheckResult> m_vResults;  // in the order of the checks; those that do not concern the plug-in are out
-
-    // "7.1 ms to load" and the like: nothing to fail by.
-    std::vector<std::string> m_vNotes;
+    CNotes m_vNotes;
 
     int Count(EVerdict verdict) const;
     int Findings() const;
@@ -71,7 +77,6 @@ private:
     bool StartWaiting(CEntries::iterator first, CEntries::iterator last);
     void Start(SEntry& entry);
     void WaitForOne(CEntries::iterator first, CEntries::iterator last);
-    void RequireToGoOn() const;
     void Finish(SEntry& entry);
 
     const SEntry* Find(const std::string& check) const;

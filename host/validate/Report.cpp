@@ -68,21 +68,22 @@ std::string ReportText(const SPluginReport& report, bool verbose) {
     for (const SCheckResult& result : report.m_vResults) {
         if (verbose || IsFinding(result.m_outcome.m_eVerdict)) text += LineText(file, result);
     }
-    // What depends on how busy the machine is stays out of the short form.
-    for (const std::string& note : report.m_vNotes) {
-        if (verbose) text += Printable(file + ": note: " + note) + "\n";
+    for (const SNote& note : report.m_vNotes) {
+        if (verbose || note.m_bInShort) text += Printable(file + ": note: " + note.m_strText) + "\n";
     }
     return text + SummaryText(report);
 }
 
 nlohmann::ordered_json ToJson(const SPluginReport& report) {
+    nlohmann::ordered_json notes = nlohmann::ordered_json::array();
+    for (const SNote& note : report.m_vNotes) notes.push_back(note.m_strText);
     nlohmann::ordered_json checks = nlohmann::ordered_json::array();
     for (const SCheckResult& result : report.m_vResults) checks.push_back(ToJson(result));
     return {{"file", FileName(report)},
             {"path", report.m_strPath},
             {"loadMilliseconds", report.m_survey.m_fLoadMilliseconds},
             {"components", report.m_survey.m_vComponents},
-            {"notes", report.m_vNotes},
+            {"notes", notes},
             {"checks", checks},
             {"summary",
              {{"checks", report.m_vResults.size()},

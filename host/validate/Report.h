@@ -9,8 +9,8 @@
 // "passed", "failed", "skipped", "crashed" or "timed out".
 std::string VerdictText(EVerdict verdict);
 
-// One line for each finding, or for each check where `verbose`, the notes and the summary. Control characters come out
-// as '?'.
+// One line for each finding, the notes and the summary; for each check and with every note where `verbose`. Control
+// characters come out as '?'.
 std::string ReportText(const SPluginReport& report, bool verbose);
 
 nlohmann::ordered_json ToJson(const SPluginReport& report);

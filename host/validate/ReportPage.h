@@ -1,21 +1,15 @@
 // What the process of a check tells the one that started it.
 #pragma once
 
+#include <atomic>
 #include <string>
 
 #include "host/validate/Outcome.h"
+#include "host/validate/SharedObject.h"
 
-// A page of memory that both processes share: what was told last survives a crash. Made before the fork, written by the
-// child, read when the child has ended.
+// What was told last survives a crash. Made before the fork, written by the child, read when the child has ended.
 class CReportPage {
 public:
-    // Throws CFailure when memory runs out.
-    CReportPage();
-    ~CReportPage();
-
-    CReportPage(const CReportPage&) = delete;
-    CReportPage& operator=(const CReportPage&) = delete;
-
     // The child's part. Texts are cut to what the page holds.
     void TellStep(const std::string& step);
     void TellOutcome(const SOutcome& outcome);
@@ -27,6 +21,13 @@ public:
     std::string GetStep() const;
 
 private:
-    struct SPage;
-    SPage* m_pPage;
+    struct SPage {
+        std::atomic<bool> m_bDone{false};
+        EVerdict m_eVerdict = EVerdict::Passed;
+        double m_fMilliseconds = 0;
+        char m_szStep[1024] = "";
+        char m_szSeen[16384] = "";
+    };
+
+    CSharedObject<SPage> m_pPage;
 };

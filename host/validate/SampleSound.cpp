@@ -2,10 +2,14 @@
 #include "host/validate/SampleSound.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
 #include <cstring>
 #include <fstream>
 #include <iterator>
+
+#include "host/Failure.h"
+#include "host/FailureText.h"
 
 namespace {
 
@@ -112,8 +116,10 @@ CBytes MakeSampleFile() {
 }
 
 void WriteFile(const std::string& path, const CBytes& bytes) {
-    std::ofstream(path, std::ios::binary)
-        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    std::ofstream file(path, std::ios::binary);
+    file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    file.close();
+    if (!file) throw CFailure(path, SystemErrorText(errno));
 }
 
 CBytes ReadFile(const std::string& path) {

@@ -27,6 +27,7 @@ CBytes MakeSound(const SWavFormat& format, std::int64_t frames);
 // MakeSound(kSampleFormat, kSampleFrames) as a RIFF WAVE file with index points, a title and an artist.
 CBytes MakeSampleFile();
 
+// Throws CFailure when the file cannot be written.
 void WriteFile(const std::string& path, const CBytes& bytes);
 
 // Empty for a file that cannot be read.

@@ -1,11 +1,10 @@
 // A decoder stream at work.
 #include "host/validate/Source.h"
 
-#include <strings.h>
-
 #include <algorithm>
 #include <utility>
 
+#include "host/Encoders.h"
 #include "host/FailureText.h"
 #include "host/PluginSession.h"
 #include "host/validate/Outcome.h"
@@ -27,12 +26,28 @@ bool IsEnabled(IAudioComponent& decoder) {
     return opener && (opener->GetOpenerState() & kOpenerEnabled) != 0;
 }
 
-std::vector<SSampleCase> CasesOf(const std::string& sample, const CComponents& decoders) {
+struct SDecoder {
+    SComponent m_component;
+    std::vector<std::string> m_vExtensions;
+};
+
+std::vector<SDecoder> EnabledDecoders(CTrial& trial) {
+    TellStep("asking the decoders for their extensions");
+    std::vector<SDecoder> decoders;
+    for (const SComponent& decoder : trial.Components(ACT_DECODER)) {
+        if (!IsEnabled(*decoder.m_pComponent)) continue;
+        decoders.push_back({decoder, ExtensionsOf(*decoder.m_pComponent)});
+    }
+    if (decoders.empty()) throw CSkipped("no decoder is enabled");
+    return decoders;
+}
+
+std::vector<SSampleCase> CasesOf(const std::string& sample, const std::vector<SDecoder>& decoders) {
     std::vector<SSampleCase> listing;
     std::vector<SSampleCase> others;
-    for (const SComponent& decoder : decoders) {
-        const bool lists = ListsExtensionOf(sample, *decoder.m_pComponent);
-        (lists ? listing : others).push_back({decoder, sample});
+    for (const SDecoder& decoder : decoders) {
+        const bool lists = HasExtension(decoder.m_vExtensions, ExtensionOf(sample));
+        (lists ? listing : others).push_back({decoder.m_component, sample});
     }
     return listing.empty() ? others : listing;
 }
@@ -44,21 +59,11 @@ std::string SSampleCase::GetLabel() const {
 }
 
 bool ListsExtensionOf(const std::string& path, IAudioComponent& component) {
-    const std::size_t dot = path.rfind('.');
-    const std::string extension = dot == std::string::npos ? "" : path.substr(dot + 1);
-    const std::vector<std::string> listed = ExtensionsOf(component);
-    return std::any_of(listed.begin(), listed.end(), [&](const std::string& candidate) {
-        return strcasecmp(candidate.c_str(), extension.c_str()) == 0;
-    });
+    return HasExtension(ExtensionsOf(component), ExtensionOf(path));
 }
 
 std::vector<SSampleCase> SampleCases(CTrial& trial) {
-    TellStep("asking the decoders for their extensions");
-    CComponents decoders = trial.Components(ACT_DECODER);
-    decoders.erase(std::remove_if(decoders.begin(), decoders.end(),
-                                  [](const SComponent& decoder) { return !IsEnabled(*decoder.m_pComponent); }),
-                   decoders.end());
-    if (decoders.empty()) throw CSkipped("no decoder is enabled");
+    const std::vector<SDecoder> decoders = EnabledDecoders(trial);
     std::vector<SSampleCase> cases;
     for (const std::string& sample : trial.Around().m_vSamples) {
         const std::vector<SSampleCase> further = CasesOf(sample, decoders);

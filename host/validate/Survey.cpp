@@ -3,14 +3,16 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 
 #include "com/InterfaceIds.h"
+#include "host/Failure.h"
 #include "host/PluginSession.h"
+#include "host/StopSignal.h"
 #include "host/validate/Check.h"
 #include "host/validate/Outcome.h"
 #include "host/validate/Sink.h"
 #include "host/validate/Source.h"
+#include "host/validate/SurveyNotes.h"
 #include "host/validate/Texts.h"
 #include "host/validate/Trial.h"
 #include "host/validate/TrialProcess.h"
@@ -20,8 +22,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kNotes = "/notes";
-constexpr const char* kSamples = "/samples";
+constexpr const char* kSamples = "/samples/";
+constexpr unsigned int kEveryConcern = ~0U;
 
 unsigned int ConcernOf(EAudioComponentType type) {
     switch (type) {
@@ -39,11 +41,11 @@ unsigned int ConcernOf(EAudioComponentType type) {
     return CONCERN_ANY;
 }
 
-// In the process of the survey: each note is on the disk before the next call into the plug-in.
+// In the process of the survey.
 class CSurveyor {
 public:
-    CSurveyor(const std::string& plugin, std::string directory)
-        : m_strDirectory(std::move(directory)), m_notes(m_strDirectory + kNotes) {
+    CSurveyor(CSurveyNotes& notes, const std::string& plugin, std::string directory)
+        : m_notes(notes), m_strDirectory(std::move(directory)) {
         m_around.m_strPlugin = plugin;
         m_pTrial = std::make_unique<CTrial>(m_around, m_strDirectory, [](const std::string&) { return true; });
     }
@@ -59,7 +61,7 @@ public:
     }
 
 private:
-    void Note(const char* what, const std::string& text) { m_notes << what << ' ' << text << std::endl; }
+    void Note(const char* what, const std::string& text) { m_notes.Add(what + (' ' + text)); }
 
     void NoteLoading() {
         const auto begin = std::chrono::steady_clock::now();
@@ -82,8 +84,7 @@ private:
     }
 
     void MakeSamples() {
-        const std::string samples = m_strDirectory + kSamples + "/";
-        if (Decodes(kSampleFileName)) WriteFile(samples + kSampleFileName, MakeSampleFile());
+        if (Decodes(kSampleFileName)) Note("sample", kSampleFileName);
         if (m_pTrial->Plugin().GetRegistered(ACT_ENCODER).empty()) return;
         int number = 0;
         for (const SOutputCase& output : OutputCases(*m_pTrial)) {
@@ -97,43 +98,57 @@ private:
         const std::string path = m_strDirectory + "/" + name;
         try {
             CSink(output, path).WriteSample();
-            fs::rename(path, m_strDirectory + kSamples + "/" + name);
+            std::error_code missing;
+            fs::rename(path, m_strDirectory + kSamples + name, missing);
         } catch (const CFinding&) {
             // The encoder's own checks find it too.
         }
     }
 
+    CSurveyNotes& m_notes;
     std::string m_strDirectory;
-    std::ofstream m_notes;
     SSurroundings m_around;
     std::unique_ptr<CTrial> m_pTrial;
 };
 
-void TakeNote(SSurvey& survey, const std::string& line) {
-    const std::size_t space = line.find(' ');
-    const std::string what = line.substr(0, space);
-    const std::string text = line.substr(space + 1);
+void TakeNote(SSurvey& survey, const std::string& note, const std::string& samples) {
+    const std::size_t space = note.find(' ');
+    const std::string what = note.substr(0, space);
+    const std::string text = note.substr(space + 1);
     if (what == "load") survey.m_fLoadMilliseconds = std::strtod(text.c_str(), nullptr);
     if (what == "concern") survey.m_nConcerns |= static_cast<unsigned int>(std::strtoul(text.c_str(), nullptr, 10));
     if (what == "component") survey.m_vComponents.push_back(text);
     if (what == "http") survey.m_bHandlesHttp = true;
+    if (what == "sample") WriteFile(samples + kSampleFileName, MakeSampleFile());
+}
+
+// The trouble of a survey, empty for none.
+std::string RunSurvey(CSurveyNotes& notes, const std::string& plugin, const std::string& directory,
+                      std::chrono::milliseconds limit) {
+    const auto run = [&] {
+        PrepareEnvironment(directory);
+        // Lives as long as the process.
+        (new CSurveyor(notes, plugin, directory))->Run();
+    };
+    CTrialProcess process(run, limit, false);
+    process.Wait();
+    const SOutcome outcome = process.Finish();
+    if (GetStopSignal() != 0) throw CFailure(plugin, "stopped by a signal");
+    return IsFinding(outcome.m_eVerdict) ? outcome.m_strSeen : "";
 }
 
 }  // namespace
 
 SSurvey SurveyPlugin(const std::string& plugin, const std::string& directory, std::chrono::milliseconds limit) {
-    fs::create_directories(directory + kSamples);
-    const auto run = [&] {
-        PrepareEnvironment(directory);
-        // Lives as long as the process.
-        (new CSurveyor(plugin, directory))->Run();
-    };
-    CTrialProcess process(run, limit, false);
-    process.Wait();
+    const std::string samples = directory + kSamples;
+    fs::create_directories(samples);
+    CSurveyNotes notes;
     SSurvey survey;
-    std::ifstream notes(directory + kNotes);
-    for (std::string line; std::getline(notes, line);) TakeNote(survey, line);
-    for (const fs::directory_entry& entry : fs::directory_iterator(directory + kSamples)) {
+    survey.m_strTrouble = RunSurvey(notes, plugin, directory, limit);
+    for (const std::string& note : notes.GetAll()) TakeNote(survey, note, samples);
+    // The checks find out by themselves what there is.
+    if (!survey.m_strTrouble.empty() && survey.m_nConcerns == CONCERN_ANY) survey.m_nConcerns = kEveryConcern;
+    for (const fs::directory_entry& entry : fs::directory_iterator(samples)) {
         survey.m_vSamples.push_back(entry.path().string());
     }
     std::sort(survey.m_vSamples.begin(), survey.m_vSamples.end());

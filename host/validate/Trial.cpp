@@ -3,10 +3,10 @@
 
 #include <stdlib.h>
 
-#include <fstream>
 #include <utility>
 
 #include "host/validate/Outcome.h"
+#include "host/validate/SampleSound.h"
 #include "pluginmgr/GetAudioPluginMgr.h"
 
 void PrepareEnvironment(const std::string& scratch) {
@@ -21,7 +21,7 @@ CTrial::CTrial(const SSurroundings& around, std::string scratch, std::function<b
 
 std::string CTrial::WriteScratch(const std::string& name, const std::string& content) const {
     const std::string path = Scratch(name);
-    std::ofstream(path, std::ios::binary) << content;
+    WriteFile(path, CBytes(content.begin(), content.end()));
     return path;
 }
 

@@ -40,7 +40,7 @@ public:
     // A name in the check's own directory.
     std::string Scratch(const std::string& name) const { return m_strScratch + "/" + name; }
 
-    // Writes a file there and returns its path.
+    // Writes a file there and returns its path. Throws CFailure when it cannot be written.
     std::string WriteScratch(const std::string& name, const std::string& content) const;
 
     // Whether `check` passed, or is not part of this run. Checks that look at everything leave out what is broken.

@@ -13,9 +13,61 @@ protected:
         UseHostile(name);
         return PluginDirectory() + "/" + name + ".so";
     }
+
+    SRunResult Validate(std::vector<std::string> arguments) const {
+        arguments.insert(arguments.begin(), {"validate", "--timeout", "60"});
+        return RunPlain(std::move(arguments));
+    }
+
+    // With files of at most so many KiB; both outputs come out of one pipe, which the limit is not for.
+    SRunResult ValidateWithin(int fileLimit, std::vector<std::string> arguments) const {
+        const std::string limited = "set -o pipefail; (ulimit -f " + std::to_string(fileLimit) + "; \"$@\") 2>&1 | cat";
+        arguments.insert(arguments.begin(), {"bash", "-c", limited, "bash", KELOAUDIO, "validate", "--timeout", "60"});
+        return RunProgram(arguments);
+    }
+
+    static void ExpectText(const SRunResult& result, const std::string& text) {
+        EXPECT_NE(result.m_strOut.find(text), std::string::npos) << text << " is not in " << result.m_strOut;
+    }
 };
 
 }  // namespace
+
+TEST_F(ValidateHostile, ChosenChecksRunOnAPluginWhoseSurveyFails) {
+    const SRunResult crash = Validate({"--only", "source,seek", Hostile("AbortsInEntry")});
+    EXPECT_EQ(crash.m_nExit, 1);
+    ExpectText(crash, "AbortsInEntry.so: source/interfaces crashed (");
+    ExpectText(crash,
+               "AbortsInEntry.so: note: the survey did not pass: SIGABRT in KELO_PLUGIN_GetPrimaryAudioObject\n");
+    const SRunResult exception = Validate({"--only", "convertor", Hostile("ThrowsErrorInEntry")});
+    EXPECT_EQ(exception.m_nExit, 1);
+    ExpectText(exception, "ThrowsErrorInEntry.so: convertor/creates failed (");
+    ExpectText(exception, "came across the border: a hostile word\n");
+}
+
+TEST_F(ValidateHostile, ChecksAreSkippedBehindTheOnesThatACrashConcerns) {
+    const SRunResult result = Validate({Hostile("AbortsInEntry")});
+    EXPECT_EQ(result.m_nExit, 1);
+    ExpectText(result, "AbortsInEntry.so: entry/null-out-pointer crashed (");
+    ExpectText(result, "AbortsInEntry.so: entry/primary-object crashed (");
+    ExpectText(result, " skipped, 2 failed\n");
+}
+
+TEST_F(ValidateHostile, ASurveyThatEndsLateLeavesOutWhatDoesNotConcernThePlugin) {
+    const SRunResult result = Validate({"--only", "source,convertor", Hostile("AbortsInGetCount")});
+    EXPECT_EQ(result.m_nExit, 1);
+    ExpectText(result, "AbortsInGetCount.so: note: the survey did not pass: SIGABRT in ");
+    EXPECT_EQ(result.m_strOut.find("convertor/"), std::string::npos) << result.m_strOut;
+}
+
+TEST_F(ValidateHostile, ASampleThatCannotBeWrittenEndsTheRun) {
+    for (const int limit : {0, 1}) {
+        const SRunResult result = ValidateWithin(limit, {"--only", "source,seek", KELO_PLUGINS "/sndfile.so"});
+        EXPECT_EQ(result.m_nExit, 1);
+        EXPECT_TRUE(IsOneLine(result.m_strOut)) << result.m_strOut;
+        ExpectText(result, "/survey/samples/sample.wav: File too large\n");
+    }
+}
 
 TEST_F(ValidateHostile, SignalEndsTheRunWhileTheSurveyHangs) {
     CRunningProgram program({KELOAUDIO, "validate", "--timeout", "600", Hostile("LingersInLoading")}, WorkDirectory());
