@@ -53,14 +53,27 @@ public:
     }
 
 private:
-    fs::path Resolve(const fs::path& output) {
-        std::error_code error;
-        const fs::path meant = FileAtTheEndOfLinks(output.string());
+    fs::path Resolve(const std::string& output) {
+        const fs::path meant = MeantFile(output);
         const fs::path parent = meant.parent_path();
-        const auto known = m_directories.find(parent);
-        const fs::path directory =
-            known != m_directories.end() ? known->second : m_directories[parent] = fs::weakly_canonical(parent, error);
-        return directory / meant.filename();
+        const auto [known, added] = m_directories.emplace(parent, parent);
+        if (added) known->second = ResolveDirectory(parent);
+        return known->second / meant.filename();
+    }
+
+    // What leads nowhere stays as it is: it fails for its own file, when that is converted.
+    static fs::path MeantFile(const std::string& output) {
+        try {
+            return FileAtTheEndOfLinks(output);
+        } catch (const CFailure&) {
+            return FromStart(output);
+        }
+    }
+
+    static fs::path ResolveDirectory(const fs::path& directory) {
+        std::error_code error;
+        fs::path resolved = fs::weakly_canonical(directory, error);
+        return error ? directory : resolved;
     }
 
     std::map<fs::path, fs::path> m_directories;

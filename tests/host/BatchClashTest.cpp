@@ -68,6 +68,31 @@ TEST_F(BatchClash, LinksBetweenOutputsAreSeen) {
     ExpectRefused({"-r", "in", "--to", "flac", "--out-dir", "out"}, {"in/a.wav and in/b.wav"});
 }
 
+TEST_F(BatchClash, OutputThatIsACircleOfLinksFailsAlone) {
+    CopyTo("a.wav");
+    CopyTo("b.wav");
+    std::filesystem::create_directory(InWork("out"));
+    std::filesystem::create_symlink("a.flac", InWork("out/a.flac"));
+    const SRunResult result = Run({"convert", "a.wav", "b.wav", "--to", "flac", "--out-dir", "out"});
+    EXPECT_EQ(result.m_nExit, 1);
+    EXPECT_EQ(result.m_strErr,
+              "keloaudio: out/a.flac: Too many levels of symbolic links\n"
+              "keloaudio: 1 of 2 files failed: 1 Too many levels of symbolic links\n");
+    EXPECT_TRUE(std::filesystem::exists(InWork("out/b.flac")));
+}
+
+TEST_F(BatchClash, OutputsOfOneNameBelowDirectoriesThatLeadNowhereDoNotMeet) {
+    for (const std::string name : {"in/x/a.wav", "in/y/a.wav", "in/b.wav"}) CopyTo(name);
+    std::filesystem::create_directory(InWork("out"));
+    for (const std::string name : {"x", "y"}) std::filesystem::create_symlink(name, InWork("out/" + name));
+    const SRunResult result = Run({"convert", "-r", "in", "--to", "flac", "--out-dir", "out"});
+    EXPECT_EQ(result.m_nExit, 1);
+    for (const std::string words : {"out/x", "out/y", "2 of 3 files failed"}) {
+        EXPECT_NE(result.m_strErr.find(words), std::string::npos) << result.m_strErr;
+    }
+    EXPECT_TRUE(std::filesystem::exists(InWork("out/b.flac")));
+}
+
 TEST_F(BatchClash, OutputThatIsItsInputIsRefused) {
     CopyTo("a.wav");
     ExpectRefused({"a.wav", "--to", "wav"}, {"a.wav: the output of a.wav is one of the inputs"});
