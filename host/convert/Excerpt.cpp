@@ -39,8 +39,9 @@ std::uint64_t CExcerpt::Delivered(std::uint64_t sourceFrames) const {
 }
 
 std::uint64_t CExcerpt::GetAnnouncedFrames() const {
-    const std::uint64_t length = m_source.GetAnnouncedFrames();
-    return length == 0 ? 0 : std::min(length, m_nEnd) - m_nFirst;
+    // A decoder may correct its length while it reads.
+    const std::uint64_t end = std::min(m_source.GetAnnouncedFrames(), m_nEnd);
+    return end > m_nFirst ? end - m_nFirst : 0;
 }
 
 void CExcerpt::Start() {

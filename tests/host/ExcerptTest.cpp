@@ -85,6 +85,13 @@ TEST_F(Excerpt, StartBehindAnEndThatNobodyAnnouncedIsRefused) {
     EXPECT_EQ(NamesIn(WorkDirectory()), std::vector<std::string>{"in.lateblock"});
 }
 
+TEST_F(Excerpt, LengthThatShrinksBelowTheStartIsNoShortfall) {
+    UseFixture("ScriptedDecoder.so");
+    UsePlugin(KELO_PLUGINS, "sndfile.so");
+    m_scratch.Write("work/in.shrinks", "x");
+    ExpectConverted(RunWithChosen({"convert", "in.shrinks", "out.wav", "--start", "150f"}), "out.wav: 44100 Hz");
+}
+
 TEST_F(Excerpt, WhatIsNoTimeIsWrongUsage) {
     for (const std::string text : {"", "x", "-1", "1:60", "1:2:3:4", "1.", ".5", "1.2.3", "4800 f", "f", "1,5", "1e3",
                                    "9999999999", "9999999999999f"}) {
