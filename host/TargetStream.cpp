@@ -8,6 +8,7 @@
 #include "host/Failure.h"
 #include "host/FailureText.h"
 #include "host/FormatText.h"
+#include "host/PluginCall.h"
 
 namespace {
 
@@ -85,49 +86,54 @@ CTargetStream::CTargetStream(const CPluginSession& session, STargetRequest reque
       m_process(CComPtr<IProcess>::Query(m_pStream.Get(), IID_IProcess)) {}
 
 CComPtr<IAudioTarget> CTargetStream::Open() {
-    CComPtr<IAudioTarget> target = OpenTarget(m_request);
-    const auto tags = CComPtr<ITargetTags>::Query(target.Get(), IID_ITargetTags);
-    if (tags) m_strWarning = WriteTags(m_request.m_tags, *tags, m_request.m_strPath);
-    return target;
+    return CallPlugins(m_request.m_strOutput, [this] {
+        CComPtr<IAudioTarget> target = OpenTarget(m_request);
+        const auto tags = CComPtr<ITargetTags>::Query(target.Get(), IID_ITargetTags);
+        if (tags) m_strWarning = WriteTags(m_request.m_tags, *tags, m_request.m_strPath);
+        return target;
+    });
 }
 
 CComPtr<IUnknown> CTargetStream::CreateStream() {
-    IURLAudioTargetFactory* const encoderFactory = m_pTarget->GetTargetFactory();
-    if (encoderFactory == nullptr) throw CFailure(m_request.m_strOutput, "its encoder has no target factory");
-    CObservingFactory factory(*encoderFactory);
-    CComPtr<IUnknown> stream;
-    CComPtr<IStatus> status;
-    // After a failure the pointer may hold a bare encoder; it is released here as well.
-    if (!m_session.GetManager().CreateURLAudioTarget(&factory, stream.Out(), m_format, status.Out())) {
-        throw CFailure(m_request.m_strOutput,
-                       "no encoder for " + FormatText(m_format) + ": " +
-                           StatusText(status.Get(), "its encoder does not work as a target", m_request.m_strPath));
-    }
-    m_fileFormat = factory.GetFormat();
-    return stream;
+    return CallPlugins(m_request.m_strOutput, [this] {
+        IURLAudioTargetFactory* const encoderFactory = m_pTarget->GetTargetFactory();
+        if (encoderFactory == nullptr) throw CFailure(m_request.m_strOutput, "its encoder has no target factory");
+        CObservingFactory factory(*encoderFactory);
+        CComPtr<IUnknown> stream;
+        CComPtr<IStatus> status;
+        // After a failure the pointer may hold a bare encoder; it is released here as well.
+        if (!m_session.GetManager().CreateURLAudioTarget(&factory, stream.Out(), m_format, status.Out())) {
+            Fail("no encoder for " + FormatText(m_format) + ": ", status.Get(),
+                 "its encoder does not work as a target");
+        }
+        m_fileFormat = factory.GetFormat();
+        return stream;
+    });
 }
 
 void CTargetStream::Start() {
-    CComPtr<IStatus> status;
-    if (m_process.Start(status.Out())) return;
-    throw CFailure(
-        m_request.m_strOutput,
-        "writing does not start: " + StatusText(status.Get(), "its encoder tells no reason", m_request.m_strPath));
+    CallPlugins(m_request.m_strOutput, [this] {
+        CComPtr<IStatus> status;
+        if (!m_process.Start(status.Out())) Fail("writing does not start: ", status.Get());
+    });
 }
 
 void CTargetStream::Write(unsigned char* data, int size) {
-    EAudioRawState state = ARS_MORE;
-    CComPtr<IStatus> status;
-    // The aggregator passes over a convertor that fails; the status that the convertor leaves is the only sign.
-    if (m_pWriter->RawWrite(data, size, state, status.Out()) && !status) return;
-    throw CFailure(m_request.m_strOutput,
-                   "writing failed: " + StatusText(status.Get(), "its encoder tells no reason", m_request.m_strPath));
+    CallPlugins(m_request.m_strOutput, [&] {
+        EAudioRawState state = ARS_MORE;
+        CComPtr<IStatus> status;
+        // The aggregator passes over a convertor that fails; the status that the convertor leaves is the only sign.
+        if (!m_pWriter->RawWrite(data, size, state, status.Out()) || status) Fail("writing failed: ", status.Get());
+    });
 }
 
 void CTargetStream::End() {
-    CComPtr<IStatus> status;
-    if (m_process.End(status.Out())) return;
-    throw CFailure(
-        m_request.m_strOutput,
-        "writing failed at the end: " + StatusText(status.Get(), "its encoder tells no reason", m_request.m_strPath));
+    CallPlugins(m_request.m_strOutput, [this] {
+        CComPtr<IStatus> status;
+        if (!m_process.End(status.Out())) Fail("writing failed at the end: ", status.Get());
+    });
+}
+
+void CTargetStream::Fail(const std::string& what, IStatus* status, const std::string& otherwise) const {
+    throw CFailure(m_request.m_strOutput, what + StatusText(status, otherwise, m_request.m_strPath));
 }

@@ -54,6 +54,10 @@ private:
     CComPtr<IAudioTarget> Open();
     CComPtr<IUnknown> CreateStream();
 
+    // `what` comes before the reason that the status tells.
+    [[noreturn]] void Fail(const std::string& what, IStatus* status,
+                           const std::string& otherwise = "its encoder tells no reason") const;
+
     const CPluginSession& m_session;
     STargetRequest m_request;
     SWavFormat m_format;

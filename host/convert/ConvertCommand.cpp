@@ -21,23 +21,25 @@ constexpr const char* kConvertExamples =
     "  keloaudio convert talk.mp3 cut.wav --start 1:30 --end 2:00\n"
     "  keloaudio convert song.flac --stdout | aplay";
 
-// Values that no encoder takes fail every file: they are told once, before the first one.
-void CheckSettings(const CPluginSession& session, const SConvertOptions& options) {
+// An encoder that is not there and values that it does not take fail every file: they are told once, before the first.
+void CheckEncoder(const CPluginSession& session, const SConvertOptions& options) {
     const std::string extension = options.HasOneOutput() ? ExtensionOf(options.m_strOutput) : options.m_strExtension;
     const std::string output = options.HasOneOutput() ? options.m_strOutput : "." + extension;
-    STargetRequest request;
-    request.m_pEncoder = FindEncoder(session, output, extension);
-    request.m_strOutput = output;
-    request.m_strPath = "/" + output;
-    request.m_strExtension = extension;
-    request.m_settings = options.m_settings;
-    OpenTarget(request);
+    CallPlugins(output, [&] {
+        STargetRequest request;
+        request.m_pEncoder = FindEncoder(session, output, extension);
+        request.m_strOutput = output;
+        request.m_strPath = "/" + output;
+        request.m_strExtension = extension;
+        request.m_settings = options.m_settings;
+        OpenTarget(request);
+    });
 }
 
 void Prepare(const CPluginSession& session, const SConvertOptions& options) {
     if (!options.m_strQuality.empty()) session.SetConvertorSetting("quality", options.m_strQuality);
     if (!options.m_strDither.empty()) session.SetConvertorSetting("dither", options.m_strDither);
-    CallPlugins("--set", [&] { CheckSettings(session, options); });
+    CheckEncoder(session, options);
 }
 
 // Says what became of the one file, to whom it concerns.

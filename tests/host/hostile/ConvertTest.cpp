@@ -2,6 +2,8 @@
 #include <signal.h>
 #include <stdlib.h>
 
+#include <map>
+
 #include "tests/host/hostile/HostileFixture.h"
 #include "tests/support/Sanitizers.h"
 
@@ -84,13 +86,25 @@ TEST_F(ConvertBesideHostile, OpeningThatGivesNoStreamIsAFailure) {
 }
 
 TEST_F(ConvertBesideHostile, ExceptionOfAnEncoderIsAFailure) {
-    for (const std::string plugin : {"ThrowsIntInRawWrite", "ThrowsOtherInEncoderStart", "ThrowsErrorInEncoderEnd"}) {
+    const std::map<std::string, std::string> reasons = {
+        {"ThrowsIntInOpenTarget", "an exception of type int\n"},
+        {"ThrowsOtherInEncoderStart", "writing does not start: its encoder tells no reason\n"},
+        {"ThrowsIntInRawWrite", "an exception of type int\n"},
+        {"ThrowsErrorInEncoderEnd", "writing failed at the end: its encoder tells no reason\n"},
+    };
+    for (const auto& [plugin, reason] : reasons) {
         SCOPED_TRACE(plugin);
         UseHostile(plugin);
-        ExpectFailure(RunWithChosen({"convert", kFrontCenter, "out.wav"}), {"keloaudio: "});
+        ExpectFailure(RunWithChosen({"convert", kFrontCenter, "out.wav"}), {"keloaudio: out.wav: " + reason});
         EXPECT_EQ(NamesIn(WorkDirectory()), std::vector<std::string>{});
         std::filesystem::remove(PluginDirectory() + "/" + plugin + ".so");
     }
+}
+
+TEST_F(ConvertBesideHostile, EncoderOfManyFilesIsNamedByItsExtension) {
+    UseHostile("ThrowsIntInOpenTarget");
+    ExpectFailure(RunWithChosen({"convert", kFrontCenter, "--to", "wav", "--out-dir", "out"}),
+                  {"keloaudio: .wav: an exception of type int\n"});
 }
 
 TEST_F(ConvertBesideHostile, LoaderThatIsLockedForOtherThreadsLeavesOneThread) {
