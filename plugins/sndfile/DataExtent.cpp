@@ -42,9 +42,13 @@ constexpr SChunkLayout kRiff = {12, 4, 4, 0, 2, FromLittleEndian};
 constexpr SChunkLayout kBigRiff = {12, 4, 4, 0, 2, FromBigEndian};
 constexpr SChunkLayout kW64 = {40, 16, 8, 24, 8, FromLittleEndian};
 constexpr SChunkLayout kCaf = {8, 4, 8, 0, 1, FromBigEndian};
+// Creative Voice File: blocks that begin with their type and 24 bits of size. The codec refuses a file of the older
+// types of sound that is cut short; 9 is the one that it does not.
+constexpr SChunkLayout kVoc = {26, 1, 3, 0, 1, FromLittleEndian};
 constexpr SFormatLayout kFormats[] = {{"WAV", kRiff, "data", 0},     {"AIFF", kBigRiff, "SSND", 8},
                                       {"AIFC", kBigRiff, "SSND", 8}, {"IFF", kBigRiff, "BODY", 0},
-                                      {"W64", kW64, "data", 0},      {"CAF", kCaf, "data", 4}};
+                                      {"W64", kW64, "data", 0},      {"CAF", kCaf, "data", 4},
+                                      {"VOC", kVoc, "\x09", 12}};
 
 // The first chunk of that name.
 std::optional<SChunk> FindChunk(CFileBytes& file, const SChunkLayout& layout, std::string_view name) {

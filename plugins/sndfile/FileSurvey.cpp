@@ -1,6 +1,7 @@
 // What the headers of a sound file tell that the codec does not.
 #include "plugins/sndfile/FileSurvey.h"
 
+#include "plugins/sndfile/DeclaredFrames.h"
 #include "plugins/sndfile/InfoFrame.h"
 #include "plugins/sndfile/MpegFrames.h"
 #include "plugins/sndfile/OggPages.h"
@@ -107,6 +108,12 @@ void SurveySamples(const std::string& formatName, SFileSurvey& survey) {
     survey.m_splice = SSplice{extent.m_nSizeField, extent.m_strTrueSize.size(), extent.m_strTrueSize};
 }
 
+void SurveyFrames(CFileBytes& file, const std::string& formatName, SFileSurvey& survey) {
+    SDeclaredFrames declared = FindDeclaredFrames(file, formatName);
+    survey.m_nPromised = static_cast<sf_count_t>(declared.m_nFrames);
+    if (declared.m_splice) survey.m_splice = std::move(declared.m_splice);
+}
+
 }  // namespace
 
 SFileSurvey SurveyOf(int descriptor, const std::string& formatName) {
@@ -114,6 +121,7 @@ SFileSurvey SurveyOf(int descriptor, const std::string& formatName) {
     SFileSurvey survey;
     survey.m_extent = FindDataExtent(file, formatName);
     SurveySamples(formatName, survey);
+    SurveyFrames(file, formatName, survey);
     if (formatName == "Ogg") SurveyOgg(file, survey);
     if (formatName == "MP3" || formatName.empty()) SurveyMpeg(file, survey);
     return survey;

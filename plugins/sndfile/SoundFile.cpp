@@ -25,7 +25,7 @@ constexpr SSignature kSignatures[] = {
     {"OggS", "", "Ogg"},           {"ID3", "", "MP3"},           {"Creative Voice", "", "VOC"},
     {"NIST_1A", "", "NIST"},       {"2BIT", "", "AVR"},          {"PVF1", "", "PVF"},
     {" paf", "", "PAF"},           {"fap ", "", "PAF"},          {"MATLAB 5.0", "", "MAT5"},
-    {"Extended Instru", "", "XI"}, {"ALawSoundFile", "", "WVE"},
+    {"Extended Instru", "", "XI"}, {"ALawSoundFile", "", "WVE"}, {"\xF0\x7E", "", "SDS"},
 };
 
 std::string FormatNameOf(int descriptor) {
@@ -137,13 +137,16 @@ void CSoundFile::Promise() {
         Refuse("not readable as MPEG audio: the codec would deliver " + std::to_string(m_info.frames) + " of " +
                std::to_string(m_survey.m_nCounted) + " frames");
     }
+    // Behind the frames that a header counts, other bytes may follow.
+    if (m_survey.m_nPromised > 0) m_info.frames = std::min(m_info.frames, m_survey.m_nPromised);
     const bool counted = container == SF_FORMAT_FLAC || (container == SF_FORMAT_MPEG && m_survey.m_splice);
     if (counted && m_survey.m_nPromised == 0 && m_info.frames < SF_COUNT_MAX) m_survey.m_nPromised = m_info.frames;
 
     if (!m_survey.m_extent) return;
     const int frameBytes = SampleBytesOf(m_info.format & SF_FORMAT_SUBMASK) * m_info.channels;
     const auto declared = static_cast<sf_count_t>(m_survey.m_extent->m_nDeclared);
-    if (frameBytes == 0) {
+    // sox declares a few bytes less than it writes to VOC.
+    if (frameBytes == 0 || container == SF_FORMAT_VOC) {
         m_survey.m_bEndMissing = m_survey.m_extent->IsCutShort();
     } else if (m_survey.m_extent->IsCutShort()) {
         m_survey.m_nPromised = declared / frameBytes;

@@ -123,7 +123,9 @@ INSTANTIATE_TEST_SUITE_P(SndfileCutShort, CCutContainer,
                                          SContainer{"law.aifc", "-e a-law"}, SContainer{"x.au", ""},
                                          SContainer{"double.au", "-e float -b 64"}, SContainer{"x.caf", ""},
                                          SContainer{"x.8svx", ""}, SContainer{"x.w64", ""},
-                                         SContainer{"deep.w64", "-b 24"}),
+                                         SContainer{"deep.w64", "-b 24"}, SContainer{"x.sph", ""},
+                                         SContainer{"law.sph", "-e u-law"}, SContainer{"x.avr", ""},
+                                         SContainer{"x.sds", ""}),
                          [](const auto& parameter) {
                              std::string name = parameter.param.m_strName;
                              return name.replace(name.find('.'), 1, "_");
@@ -170,6 +172,57 @@ TEST(SndfileCutShort, IsNotSaidOfChunksBehindTheSamples) {
             ExpectWhole(scratch.Write("x.wav", whole.substr(0, whole.size() - less)), samples);
         }
     }
+}
+
+// Some writers declare a few bytes less than there are, so that the count is not told.
+TEST(SndfileCutShort, InAVocFileTellsThatTheEndIsMissing) {
+    CScratchDirectory scratch;
+    RunTool("sox -D " + kVoice + " " + scratch / "x.voc");
+    const std::string whole = Content(scratch / "x.voc");
+    ExpectWhole(scratch / "x.voc", Decoded(kVoice));
+    const SOutcome outcome = OutcomeOf(scratch.Write("cut.voc", whole.substr(0, whole.size() / 2)));
+    const std::size_t there = outcome.m_strSamples.size() / 2;
+    EXPECT_EQ(outcome.m_strReason,
+              "cut.voc: cut short: the end is missing, " + std::to_string(there) + " frames are there");
+    EXPECT_GT(there, kVoiceFrames / 2 - 50);
+}
+
+TEST(SndfileCutShort, InAWveFileIsToldByItsBytes) {
+    CScratchDirectory scratch;
+    RunTool("sox -D " + kVoice + " " + scratch / "x.wve");
+    const std::string whole = Content(scratch / "x.wve");
+    const std::string samples = Decoded(scratch / "x.wve");
+    ASSERT_EQ(samples.size(), 2 * (whole.size() - 32));
+    const SOutcome outcome = OutcomeOf(scratch.Write("cut.wve", whole.substr(0, 1032)));
+    EXPECT_EQ(outcome.m_strReason, CutShort("cut.wve", 1000, whole.size() - 32));
+    EXPECT_TRUE(outcome.m_strSamples == samples.substr(0, 2000));
+}
+
+// Only whole packets can be read; the last one of the sound need not be full.
+TEST(SndfileCutShort, InASampleDumpIsToldByItsPackets) {
+    CScratchDirectory scratch;
+    const std::string samples = RandomBytes(2 * 1010);
+    RunTool("sox " + scratch.Write("x.wav", WavFile({44100, 16, 1}, samples)) + " " + scratch / "x.sds");
+    ExpectWhole(scratch / "x.sds", samples);
+    const std::string whole = Content(scratch / "x.sds");
+    ASSERT_GE(whole.size(), 21u + 26 * 127);
+    for (const auto& [size, frames] : {std::pair(26u * 127, 1010u), std::pair(26u * 127 - 1, 1000u),
+                                       std::pair(13u * 127, 520u), std::pair(12u * 127 + 5, 480u)}) {
+        const SOutcome outcome = OutcomeOf(scratch.Write("cut.sds", whole.substr(0, 21 + size)));
+        EXPECT_EQ(outcome.m_strReason, frames == 1010 ? "" : CutShort("cut.sds", frames, 1010));
+        EXPECT_EQ(outcome.m_nLength, frames);
+        EXPECT_TRUE(outcome.m_strSamples == samples.substr(0, 2 * frames)) << outcome.m_strSamples.size();
+    }
+    const SOutcome unfinished = OutcomeOf(scratch.Write("x.sds", std::string(whole).replace(10, 3, 3, '\0')));
+    EXPECT_EQ(unfinished.m_strReason, "");
+    EXPECT_TRUE(unfinished.m_strSamples.substr(0, samples.size()) == samples);
+}
+
+TEST(SndfileCutShort, EndsWhereAHeaderCountsItsFrames) {
+    CScratchDirectory scratch;
+    const std::string samples = RandomBytes(4000);
+    RunTool("sox " + scratch.Write("x.wav", WavFile({44100, 16, 2}, samples)) + " " + scratch / "x.sph");
+    ExpectWhole(scratch.Write("more.sph", Content(scratch / "x.sph") + RandomBytes(500)), samples);
 }
 
 TEST(SndfileCutShort, IsNotSaidOfAMissingPaddingByte) {
