@@ -181,4 +181,9 @@ bool CSampleReader::SkipTo(sf_count_t position) {
 
 STags CSampleReader::GetTags() const { return TagsOf(m_file->Handle()); }
 
-std::vector<std::uint64_t> CSampleReader::GetIndexPoints() const { return CuePointsOf(m_file->Handle()); }
+// A cut file, and one whose marks name its end, have some where no frame is.
+std::vector<std::uint64_t> CSampleReader::GetIndexPoints() const {
+    std::vector<std::uint64_t> points = CuePointsOf(m_file->Handle());
+    if (m_nLength != 0) points.erase(std::lower_bound(points.begin(), points.end(), GetLength()), points.end());
+    return points;
+}

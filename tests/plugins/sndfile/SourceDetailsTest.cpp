@@ -132,6 +132,19 @@ TEST(SndfileCues, OfAWavFileAreIndexPointsInAscendingOrder) {
     EXPECT_EQ(index->GetIndex(4), kNoIndexPoint);
 }
 
+TEST(SndfileCues, AtTheEndOrBehindItAreLeftOut) {
+    CScratchDirectory scratch;
+    const std::string whole = WavFile(kMono, RandomBytes(20000), 1, CuesAt({10000, 9999, 4294967295, 10001, 3}));
+    const SSource source(scratch.Write("x.wav", whole));
+    const auto index = CComPtr<IIndexArray>::Query(source.m_stream.Get(), IID_IIndexArray);
+    ASSERT_TRUE(index);
+    ASSERT_EQ(index->GetIndexNumber(), 2);
+    EXPECT_EQ(index->GetIndex(0), 3u);
+    EXPECT_EQ(index->GetIndex(1), 9999u);
+    EXPECT_FALSE(
+        Offers(scratch.Write("y.wav", WavFile(kMono, RandomBytes(20000), 1, CuesAt({10000}))), IID_IIndexArray));
+}
+
 TEST(SndfileCues, MayBeMoreThanTheCodecsRecordHolds) {
     CScratchDirectory scratch;
     std::vector<std::uint32_t> positions;
