@@ -31,6 +31,10 @@ mode_t ModeOfNewFile() {
 // Asked before there are threads: asking changes the mask of the whole process for a moment.
 const mode_t g_nModeOfNewFile = ModeOfNewFile();
 
+// Whether the kernel lets the name of this file, which is no directory, have another one put in its place: in a sticky
+// directory that is its owner's alone. Asked in a way that changes nothing: rmdir looks for the right first.
+bool MayBeReplaced(const std::string& file) { return rmdir(file.c_str()) == 0 || (errno != EPERM && errno != EACCES); }
+
 // Returns the mode that the output is to have.
 mode_t RequireReplaceable(const std::string& given, const std::string& output, const char* source) {
     struct stat existing = {};
@@ -40,7 +44,7 @@ mode_t RequireReplaceable(const std::string& given, const std::string& output, c
     }
     if (S_ISDIR(existing.st_mode)) throw CFailure(given, SystemErrorText(EISDIR));
     if (!S_ISREG(existing.st_mode)) throw CFailure(given, "not a regular file");
-    if (access(output.c_str(), W_OK) != 0) throw CFailure(given, SystemErrorText(errno));
+    if (access(output.c_str(), W_OK) != 0 || !MayBeReplaced(output)) throw CFailure(given, SystemErrorText(errno));
     struct stat input = {};
     if (stat(source, &input) == 0 && input.st_dev == existing.st_dev && input.st_ino == existing.st_ino) {
         throw CFailure(given, "the output is the input file itself");

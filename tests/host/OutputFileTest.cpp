@@ -110,6 +110,27 @@ TEST_F(OutputFile, FileThatMayNotBeWrittenIsRefused) {
     EXPECT_EQ(ReadWholeFile(InWork("out.wav")), "the old content");
 }
 
+TEST_F(OutputFile, FileOfAnotherInAStickyDirectoryIsRefusedBeforeItIsReported) {
+    if (geteuid() != 0) GTEST_SKIP() << "only root can give files away";
+    constexpr uid_t kOther = 65534;
+    const std::string folder = InWork("folder");
+    std::filesystem::create_directory(folder);
+    const std::string output = m_scratch.Write("work/folder/out.wav", "the old content");
+    ASSERT_EQ(chmod(folder.c_str(), 01777), 0);
+    ASSERT_EQ(chmod(output.c_str(), 0666), 0);
+    for (const std::string& path : {folder, output}) ASSERT_EQ(chown(path.c_str(), kOther, kOther), 0);
+    for (const std::string option : {"--json", "--jobs=1"}) {
+        SCOPED_TRACE(option);
+        const SRunResult result = RunProgram(WithoutCapabilities({KELOAUDIO, "convert", kFrontCenter, output, option}));
+        EXPECT_EQ(result.m_nExit, 1);
+        EXPECT_EQ(result.m_strErr, "keloaudio: " + output + ": Operation not permitted\n");
+        EXPECT_EQ(result.m_strOut.find("16 bits"), std::string::npos) << result.m_strOut;
+        EXPECT_EQ(result.m_strOut.find("converted"), std::string::npos) << result.m_strOut;
+        EXPECT_EQ(ReadWholeFile(output), "the old content");
+        EXPECT_EQ(NamesIn(folder), std::vector<std::string>{"out.wav"});
+    }
+}
+
 TEST_F(OutputFile, ReportThatNobodyGetsLeavesNoOutput) {
     for (const std::string redirection : {">/dev/full", ">&-"}) {
         SCOPED_TRACE(redirection);
