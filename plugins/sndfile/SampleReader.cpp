@@ -17,9 +17,6 @@ bool IsAligned(const unsigned char* buffer) {
     return reinterpret_cast<std::uintptr_t>(buffer) % alignof(T) == 0;
 }
 
-// libsndfile tells an unknown length by the greatest count.
-sf_count_t KnownLength(const SF_INFO& info) { return info.frames > 0 && info.frames < SF_COUNT_MAX ? info.frames : 0; }
-
 }  // namespace
 
 CSampleReader::CSampleReader(std::unique_ptr<CSoundFile> file, EAudioFeature level)
@@ -27,7 +24,7 @@ CSampleReader::CSampleReader(std::unique_ptr<CSoundFile> file, EAudioFeature lev
       m_source(SourceFormatOf(m_file->Info(), level)),
       m_order(m_file->ChannelOrder()),
       m_bPacked(m_order.MovesNothing() && IsPackedPcm(m_file->Info())),
-      m_nLength(KnownLength(m_file->Info())),
+      m_nLength(m_file->KnownLength()),
       m_nPieceFrames(std::max<sf_count_t>(1, kPieceSamples / m_source.m_format.nChannels)) {
     const auto samples = static_cast<std::size_t>(m_nPieceFrames * m_source.m_format.nChannels);
     if (m_source.m_eRoad != SR_INTEGER) {

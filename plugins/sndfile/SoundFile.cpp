@@ -124,10 +124,21 @@ CChannelOrder CSoundFile::ChannelOrder() const {
     return vorbis ? CChannelOrder::OfVorbis(m_info.channels) : CChannelOrder::OfFile(Handle(), m_info.channels);
 }
 
+// libsndfile tells an unknown length by the greatest count, and believes what the last page of an Ogg file says.
+sf_count_t CSoundFile::KnownLength() const {
+    constexpr sf_count_t kMostBytes = SF_COUNT_MAX >> 28;  // so that the samples' bytes can be counted too
+    constexpr sf_count_t kMostFramesPerByte = 65536;       // silence in FLAC, the densest there is, has less
+    const auto bytes = static_cast<sf_count_t>(CFileBytes(m_descriptor.Get()).Size());
+    const bool plausible = bytes == 0 || m_info.frames <= std::min(bytes, kMostBytes) * kMostFramesPerByte;
+    return plausible && m_info.frames > 0 && m_info.frames < SF_COUNT_MAX ? m_info.frames : 0;
+}
+
 // libsndfile 1.2.0 takes the last page of Vorbis for longer than it is, since its granule position leaves padding out.
 sf_count_t CSoundFile::LastSureFrame() const {
     if ((m_info.format & SF_FORMAT_SUBMASK) != SF_FORMAT_VORBIS) return SF_COUNT_MAX;
-    return m_survey.m_lastPage ? m_info.frames - static_cast<sf_count_t>(*m_survey.m_lastPage) : 0;
+    const std::uint64_t frames = static_cast<std::uint64_t>(m_info.frames);
+    if (!m_survey.m_lastPage || *m_survey.m_lastPage > frames) return 0;
+    return static_cast<sf_count_t>(frames - *m_survey.m_lastPage);
 }
 
 // What the survey could not tell without the codec. Throws where the codec would deliver less than was counted.

@@ -25,6 +25,8 @@ public:
 
     SNDFILE* Handle() const { return m_handle.get(); }
     const SF_INFO& Info() const { return m_info; }
+    // Frames; 0 where neither the codec nor the file tells a number that can be.
+    sf_count_t KnownLength() const;
     // Whether the codec can go to any frame; every file can be reopened.
     bool IsSeekable() const { return m_info.seekable != 0; }
     // The last frame that the codec's own seek is sure to find.

@@ -4,6 +4,7 @@
 #include "plugins/shared/FileDescriptor.h"
 #include "plugins/sndfile/OggPages.h"
 #include "tests/plugins/sndfile/AudioFiles.h"
+#include "tests/plugins/sndfile/PluginUnderTest.h"
 #include "tests/support/ScratchDirectory.h"
 
 namespace {
@@ -22,6 +23,24 @@ SOggEnd EndOf(const std::string& content) {
     const CFileDescriptor descriptor(open(scratch.Write("x.ogg", content).c_str(), O_RDONLY | O_CLOEXEC));
     CFileBytes file(descriptor.Get());
     return FindOggEnd(file);
+}
+
+// RFC 3533, 6: the polynomial 0x04C11DB7, neither side reflected, over the page with the field itself at zero.
+std::uint32_t PageChecksum(const std::string& page) {
+    std::uint32_t sum = 0;
+    for (const char byte : page) {
+        sum ^= std::uint32_t{static_cast<unsigned char>(byte)} << 24;
+        for (int bit = 0; bit < 8; ++bit) sum = sum << 1 ^ (sum >> 31 != 0 ? 0x04C11DB7u : 0u);
+    }
+    return sum;
+}
+
+std::string WithLastGranule(const std::string& file, std::uint64_t granule) {
+    const std::size_t at = file.rfind("OggS");
+    std::string page = file.substr(at);
+    page.replace(6, 8, LittleEndian(granule, 8)).replace(22, 4, 4, '\0');
+    page.replace(22, 4, LittleEndian(PageChecksum(page), 4));
+    return file.substr(0, at) + page;
 }
 
 }  // namespace
@@ -74,4 +93,28 @@ TEST(SndfileOggPages, AreNotTakenFromInsideAPacket) {
     const std::string last = Page(100, true);
     EXPECT_EQ(EndOf(body + last).m_nAt, body.size() + last.size());
     EXPECT_FALSE(EndOf(body + last).m_bCutShort);
+}
+
+TEST(SndfileOggPages, OfAPositionThatCannotBeLeaveTheLengthUnknownUntilTheEnd) {
+    CScratchDirectory scratch;
+    RunTool("sox " + kVoice + " -b 16 " + scratch / "x.wav" + " repeat 3");
+    RunTool("oggenc -Q -o " + scratch / "x.ogg" + " " + scratch / "x.wav");
+    RunTool("opusenc --quiet " + scratch / "x.wav" + " " + scratch / "x.opus");
+    for (const std::string name : {"x.ogg", "x.opus"}) {
+        const std::string samples = Decoded(scratch / name);
+        for (const std::uint64_t granule : {std::uint64_t{1} << 62, std::uint64_t{1} << 40}) {
+            SSource source(scratch.Write("lie.ogg", WithLastGranule(Content(scratch / name), granule)));
+            EXPECT_EQ(source.m_reader->GetRawLen(), 0u) << name << " " << granule;
+            EXPECT_EQ(source.m_blocks->GetDataLength(), 0u);
+            ASSERT_TRUE(source.m_process->Start(nullptr));
+            const std::string all = ReadOn(source);
+            ASSERT_GE(all.size(), samples.size());
+            EXPECT_TRUE(all.substr(0, samples.size()) == samples) << name << " " << granule;
+            EXPECT_EQ(source.m_reader->GetRawLen(), all.size());
+            for (const std::uint64_t target : {100000u, 250000u}) {
+                ASSERT_TRUE(source.m_seekable->Seek(target, nullptr));
+                EXPECT_LE(GreatestDifference(ReadOn(source, 4096, 8192), all.substr(2 * target, 8192)), 1) << target;
+            }
+        }
+    }
 }
