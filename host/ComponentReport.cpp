@@ -39,11 +39,11 @@ std::string TypeText(EAudioComponentType type) {
 
 std::string TextOf(const char* text) { return text != nullptr ? text : ""; }
 
-std::vector<SSettingReport> SettingsOf(IUnknown* object) {
+std::vector<SSettingReport> SettingsOf(const std::string& owner, IUnknown* object) {
     std::vector<SSettingReport> reports;
     const auto settings = CComPtr<INamedSettings>::Query(object, IID_INamedSettings);
     const int count = settings ? settings->GetSettingCount() : 0;
-    RequireCount(count, "settings");
+    RequireCount(owner, count, "settings");
     for (int i = 0; i < count; ++i) {
         const std::string name = TextOf(settings->GetSettingName(i));
         const std::string values = TextOf(settings->GetSettingValues(i));
@@ -69,7 +69,7 @@ std::vector<STargetReport> TargetsOf(IAudioComponent& component, const std::vect
         CComPtr<IAudioTarget> target;
         const std::string path = kUnwrittenPath + extension;
         if (!opener->OpenTarget(path.c_str(), extension.c_str(), target.Out(), nullptr) || !target) continue;
-        reports.push_back({extension, SettingsOf(target.Get()), TagsOf(target.Get())});
+        reports.push_back({extension, SettingsOf(NameOf(component), target.Get()), TagsOf(target.Get())});
     }
     return reports;
 }
@@ -142,7 +142,7 @@ SComponentReport ReportOn(const CPluginSession& session, IAudioComponent& compon
     report.m_extensions = ExtensionsOf(component);
     report.m_capabilities = CapabilitiesOf(component);
     report.m_protocols = ProtocolsOf(component);
-    report.m_settings = SettingsOf(&component);
+    report.m_settings = SettingsOf(report.m_strName, &component);
     report.m_targets = TargetsOf(component, report.m_extensions);
     return report;
 }

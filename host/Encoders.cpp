@@ -25,15 +25,18 @@ bool HasExtension(const std::vector<std::string>& listed, const std::string& ext
 CComPtr<IAudioTargetOpener> FindEncoder(const CPluginSession& session, const std::string& output,
                                         const std::string& wanted) {
     std::vector<std::string> known;
+    std::vector<std::string> failures;
     for (const CComPtr<IAudioComponent>& component : session.GetComponents()) {
         if (component->GetType() != ACT_ENCODER) continue;
         auto opener = CComPtr<IAudioTargetOpener>::Query(component.Get(), IID_IAudioTargetOpener);
         if (!opener) continue;
-        const std::vector<std::string> extensions = ExtensionsOf(*component);
+        const std::vector<std::string> extensions = ExtensionsOf(*component, failures);
         if (HasExtension(extensions, wanted)) return opener;
         known.insert(known.end(), extensions.begin(), extensions.end());
     }
     const std::string reason =
         wanted.empty() ? "no extension to choose an encoder by" : "no encoder lists \"." + wanted + "\"";
-    throw CFailure(output, reason, " (listed: " + JoinNames(known) + "; plug-ins from " + session.GetDirectory() + ")");
+    std::string listed = JoinNames(known);
+    for (const std::string& failure : failures) listed += "; " + failure;
+    throw CFailure(output, reason, " (listed: " + listed + "; plug-ins from " + session.GetDirectory() + ")");
 }

@@ -40,9 +40,10 @@ struct SSourceReport {
 // The decoder of the plug-in that lists the extension, else the plug-in's first.
 std::string DecoderName(const CPluginSession& session, const std::string& pluginFile, const std::string& extension) {
     std::string first;
+    std::vector<std::string> ignored;
     for (const CComPtr<IAudioComponent>& component : session.GetComponents()) {
         if (component->GetType() != ACT_DECODER || PlaceOf(session, *component).m_strFile != pluginFile) continue;
-        if (HasExtension(ExtensionsOf(*component), extension)) return NameOf(*component);
+        if (HasExtension(ExtensionsOf(*component, ignored), extension)) return NameOf(*component);
         if (first.empty()) first = NameOf(*component);
     }
     return first;

@@ -78,10 +78,12 @@ std::string CPluginSession::GetDecoderNames() const {
 
 std::vector<std::string> CPluginSession::GetDecoderExtensions() const {
     std::vector<std::string> all;
+    std::vector<std::string> failures;
     for (const CComPtr<IAudioComponent>& decoder : GetDecoders()) {
-        const std::vector<std::string> extensions = ExtensionsOf(*decoder);
+        const std::vector<std::string> extensions = ExtensionsOf(*decoder, failures);
         all.insert(all.end(), extensions.begin(), extensions.end());
     }
+    for (const std::string& failure : failures) ReportFailure(nullptr, failure.c_str());
     return all;
 }
 
@@ -118,20 +120,33 @@ std::string NameOf(IAudioComponent& component) {
     return name == nullptr ? "(no name)" : name;
 }
 
-void RequireCount(int count, const char* what) {
+bool IsPossibleCount(int count) {
     constexpr int kMostEntries = 10000;
-    if (count >= 0 && count <= kMostEntries) return;
-    throw CFailure("impossible count", std::to_string(count) + " " + what);
+    return count >= 0 && count <= kMostEntries;
+}
+
+void RequireCount(const std::string& subject, int count, const char* what) {
+    if (IsPossibleCount(count)) return;
+    throw CFailure(subject, "impossible count: " + std::to_string(count) + " " + what);
 }
 
 std::vector<std::string> ExtensionsOf(IAudioComponent& component) {
     std::vector<std::string> extensions;
     const auto list = CComPtr<IExtensionList>::Query(&component, IID_IExtensionList);
     const int count = list ? list->GetCount() : 0;
-    RequireCount(count, "extensions");
+    RequireCount(NameOf(component), count, "extensions");
     for (int i = 0; i < count; ++i) {
         const char* const extension = list->GetAt(i);
         if (extension != nullptr) extensions.emplace_back(extension);
     }
     return extensions;
+}
+
+std::vector<std::string> ExtensionsOf(IAudioComponent& component, std::vector<std::string>& failures) {
+    try {
+        return ExtensionsOf(component);
+    } catch (const CFailure& failure) {
+        failures.emplace_back(failure.what());
+        return {};
+    }
 }

@@ -35,7 +35,7 @@ public:
     // The names of the decoders that an open request asks, separated by ", ".
     std::string GetDecoderNames() const;
 
-    // The extensions that these decoders list, without the dot.
+    // The extensions that these decoders list, without the dot. A decoder whose list cannot be right is reported.
     std::vector<std::string> GetDecoderExtensions() const;
 
     // Changes a setting of the convertors that are made afterwards; throws CFailure about the option when it cannot.
@@ -56,8 +56,16 @@ private:
 // The component's name; "(no name)" when it tells none.
 std::string NameOf(IAudioComponent& component);
 
-// Throws CFailure for a count that only a lie can be: following it would take all memory.
-void RequireCount(int count, const char* what);
+// False for a count that only a lie can be: following it would take all memory.
+bool IsPossibleCount(int count);
 
-// The extensions that the component lists; empty without IExtensionList. Throws as RequireCount does.
+// Throws CFailure about `subject` for an impossible count.
+void RequireCount(const std::string& subject, int count, const char* what);
+
+// The extensions that the component lists; empty without IExtensionList. Throws as RequireCount does, about the
+// component's name.
 std::vector<std::string> ExtensionsOf(IAudioComponent& component);
+
+// The same for whoever chooses among components, where one that lies does not stop the others: its list is empty, and
+// its failure is added to `failures`.
+std::vector<std::string> ExtensionsOf(IAudioComponent& component, std::vector<std::string>& failures);

@@ -134,7 +134,7 @@ std::vector<std::uint64_t> CSourceStream::GetIndexPoints() const {
         std::vector<std::uint64_t> points;
         const auto index = CComPtr<IIndexArray>::Query(m_pStream.Get(), IID_IIndexArray);
         const int count = index ? index->GetIndexNumber() : 0;
-        RequireCount(count, "index points");
+        RequireCount(m_name.GetGiven(), count, "index points");
         for (int i = 0; i < count; ++i) {
             const std::uint64_t point = index->GetIndex(i);
             if (point != kNoIndexPoint) points.push_back(point);
