@@ -9,8 +9,6 @@
 #include <new>
 #include <typeinfo>
 
-namespace {
-
 std::string CurrentExceptionType() {
     const std::type_info* const type = abi::__cxa_current_exception_type();
     if (type == nullptr) return "an unknown exception";
@@ -19,8 +17,6 @@ std::string CurrentExceptionType() {
                                                       free);
     return "an exception of type " + std::string(name ? name.get() : type->name());
 }
-
-}  // namespace
 
 std::string CurrentExceptionText() {
     try {

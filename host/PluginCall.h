@@ -6,7 +6,11 @@
 
 #include "host/Failure.h"
 
-// The exception that is being handled, in words. Only inside a handler, while the plug-in that threw is loaded.
+// Both tell of the exception that is being handled. Only inside a handler, while the plug-in that threw is loaded.
+// "an exception of type int".
+std::string CurrentExceptionType();
+
+// In its own words where it has any.
 std::string CurrentExceptionText();
 
 // Runs `call` and passes its result on. An exception of any type comes out as a CFailure about `subject` whose reason

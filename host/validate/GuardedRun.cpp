@@ -1,26 +1,15 @@
 // One place where everything that a check throws ends.
 #include "host/validate/GuardedRun.h"
 
-#include <cxxabi.h>
-#include <stdlib.h>
-
 #include <chrono>
-#include <memory>
-#include <typeinfo>
+
+#include "host/Failure.h"
+#include "host/PluginCall.h"
 
 namespace {
 
-std::string CurrentExceptionType() {
-    const std::type_info* const type = abi::__cxa_current_exception_type();
-    if (type == nullptr) return "of a foreign language";
-    int status = 0;
-    const std::unique_ptr<char, void (*)(void*)> name(abi::__cxa_demangle(type->name(), nullptr, nullptr, &status),
-                                                      free);
-    return std::string("of type ") + (name ? name.get() : type->name());
-}
-
 std::string CrossingText(const std::string& words) {
-    const std::string text = "an exception " + CurrentExceptionType() + " came across the border";
+    const std::string text = CurrentExceptionType() + " came across the border";
     return words.empty() ? text : text + ": " + words;
 }
 
@@ -32,6 +21,8 @@ SOutcome Judge(const std::function<void()>& run) {
         return {EVerdict::Failed, finding.what()};
     } catch (const CSkipped& reason) {
         return {EVerdict::Skipped, reason.what()};
+    } catch (const CFailure& failure) {
+        return {EVerdict::Failed, failure.what()};
     } catch (const std::exception& error) {
         return {EVerdict::Failed, CrossingText(error.what() != nullptr ? error.what() : "")};
     } catch (...) {

@@ -2,6 +2,7 @@
 #include <functional>
 
 #include "com/InterfaceIds.h"
+#include "host/PluginSession.h"
 #include "host/validate/Checks.h"
 #include "host/validate/Outcome.h"
 #include "host/validate/Steps.h"
@@ -33,7 +34,7 @@ std::vector<std::string> TextsOf(IExtensionList& list) {
 void NamesEach(CTrial& trial) {
     ForEachList(trial, [](IExtensionList& list) {
         const int count = list.GetCount();
-        Expect(count >= 0, "a count of " + std::to_string(count));
+        Expect(IsPossibleCount(count), "a count of " + std::to_string(count));
         for (int i = 0; i < count; ++i) {
             const char* const extension = list.GetAt(i);
             Expect(extension != nullptr, "extension " + std::to_string(i) + " is null");

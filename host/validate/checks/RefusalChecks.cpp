@@ -99,13 +99,13 @@ void RefusesWithoutStatus(CTrial& trial) {
 CCheckList RefusalChecks() {
     return {
         {"decoder/refuses-missing-file", "A decoder refuses a file that is not there and stores no stream.",
-         CONCERN_DECODER, "component/initialize", RefusesMissingFile},
+         CONCERN_DECODER, "extensions/named", RefusesMissingFile},
         {"decoder/refuses-directory", "A decoder refuses a directory and stores no stream.", CONCERN_DECODER,
-         "component/initialize", RefusesDirectory},
+         "extensions/named", RefusesDirectory},
         {"decoder/refuses-empty-file", "A decoder refuses an empty file and stores no stream.", CONCERN_DECODER,
-         "component/initialize", RefusesEmptyFile},
+         "extensions/named", RefusesEmptyFile},
         {"decoder/refuses-text", "A decoder refuses a file of plain text and stores no stream.", CONCERN_DECODER,
-         "component/initialize", RefusesText},
+         "extensions/named", RefusesText},
         {"decoder/refusal-status", "A decoder that refuses a file says why through a status.", CONCERN_DECODER,
          "decoder/refuses-missing-file", TellsWhy},
         {"decoder/null-status", "A decoder refuses a file with a null status pointer too.", CONCERN_DECODER,

@@ -60,6 +60,18 @@ TEST_F(ValidateHostile, ASurveyThatEndsLateLeavesOutWhatDoesNotConcernThePlugin)
     EXPECT_EQ(result.m_strOut.find("convertor/"), std::string::npos) << result.m_strOut;
 }
 
+TEST_F(ValidateHostile, ACountThatOnlyALieCanBeIsOneFindingInTheValidatorsWords) {
+    for (const std::string name : {"NegativeExtensions", "EndlessExtensions"}) {
+        const SRunResult result = Validate({"--skip", "entry", Hostile(name)});
+        EXPECT_EQ(result.m_nExit, 1);
+        ExpectText(result, name + ".so: extensions/named failed (");
+        ExpectText(result, " skipped, 1 failed\n");
+        ExpectText(result, "the survey did not pass: Fixture: impossible count: ");
+    }
+    const SRunResult alone = Validate({"--only", "decoder/refuses-text", PluginDirectory() + "/NegativeExtensions.so"});
+    ExpectText(alone, " ms): Fixture: impossible count: -1 extensions\n");
+}
+
 TEST_F(ValidateHostile, ASampleThatCannotBeWrittenEndsTheRun) {
     for (const int limit : {0, 1}) {
         const SRunResult result = ValidateWithin(limit, {"--only", "source,seek", KELO_PLUGINS "/sndfile.so"});
