@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 #include "host/Failure.h"
 #include "host/FailureText.h"
@@ -61,23 +62,36 @@ SProbeReport Examine(const CPluginSession& session) {
 }
 
 // An already loaded plug-in is the same one under whatever link the manager finds it.
-void LoadAndTell(const std::string& directory, const CReportFile& file, const std::string& plugin = "") {
-    void* held = nullptr;
-    try {
-        if (!plugin.empty()) held = LoadLibrary(plugin.c_str());
-    } catch (...) {
-        file.Tell({{}, ThrewText(CurrentExceptionText())});
-        file.TellEnd();
-        return;
+class CHeldPlugin {
+public:
+    // Holds nothing for an empty path.
+    explicit CHeldPlugin(const std::string& path) : m_pModule(path.empty() ? nullptr : LoadLibrary(path.c_str())) {}
+    ~CHeldPlugin() { LetGo(); }
+
+    CHeldPlugin(const CHeldPlugin&) = delete;
+    CHeldPlugin& operator=(const CHeldPlugin&) = delete;
+
+    void LetGo() {
+        if (void* const module = std::exchange(m_pModule, nullptr)) FreeLibrary(module);
     }
+
+private:
+    void* m_pModule;
+};
+
+// The end is told once nothing of the plug-ins is loaded: unloading may crash too.
+void LoadAndTell(const std::string& directory, const CReportFile& file, const std::string& plugin = "") {
     try {
+        CHeldPlugin held(plugin);
         const CPluginSession session({directory, true});
-        if (held != nullptr) FreeLibrary(held);
+        held.LetGo();
         file.Tell(Examine(session));
     } catch (const CNoUsablePlugin&) {
         file.Tell({});
     } catch (const CFailure& failure) {
         file.Tell({{}, ThrewText(failure.GetReason())});
+    } catch (...) {
+        file.Tell({{}, ThrewText(CurrentExceptionText())});
     }
     file.TellEnd();
 }

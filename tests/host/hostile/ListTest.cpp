@@ -145,6 +145,11 @@ TEST_F(ListBesideHostile, CrashInTheCodeThatRunsWhenAPluginIsUnloaded) {
     ExpectNamed("CrashesWhenUnloaded", "aborted (signal 6)");
 }
 
+TEST_F(ListBesideHostile, CrashWhenAPluginIsUnloadedThatGivesNoComponent) {
+    UseHostile("AbortsWithoutComponent");
+    ExpectNamed("AbortsWithoutComponent", "aborted (signal 6)");
+}
+
 TEST_F(ListBesideHostile, CollectionThatHoldsItselfIsNamed) {
     if (support::kThreadSanitizer) GTEST_SKIP() << "the sanitizer does not come back from a full stack";
     UseImpolite("CollectionHoldsItself");
