@@ -53,13 +53,16 @@ void TakesAnyPieces(CTrial& trial) {
 }
 
 void KeepsSameFormat(CTrial& trial) {
-    ForEachFactory(trial, [](IConvertorFactory& factory) {
+    bool found = false;
+    ForEachFactory(trial, [&](IConvertorFactory& factory) {
         const CComPtr<IAudioConvertor> convertor = Create(factory, kSameFormat);
-        if (!convertor) throw CSkipped("the factory refuses a conversion that keeps the format");
+        if (!convertor) return;
+        found = true;
         const CBytes sound = MakeSound(kSameFormat.m_from.m_format, kSampleFrames);
         const CBytes output = ConvertSample(*convertor, kSameFormat, kUsualPiece);
         Expect(output == sound, "with the format kept, " + DifferenceText(sound, output));
     });
+    if (!found) throw CSkipped("no factory offers a conversion that keeps the format");
 }
 
 void LeavesInputAlone(CTrial& trial) {

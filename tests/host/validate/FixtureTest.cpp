@@ -126,6 +126,7 @@ const SFailure kFailures[] = {
     {"ConvertorLosesFrames", "convertor/length"},
     {"ConvertorLosesBrokenFrames", "convertor/any-pieces"},
     {"ConvertorChangesSameFormat", "convertor/same-format"},
+    {"SecondConvertorChangesSameFormat", "convertor/same-format"},
     {"ConvertorWritesIntoItsInput", "convertor/input-untouched"},
     {"ConvertorsShareState", "convertor/convertors-apart"},
     {"ConvertorHoldsEverythingBack", "convertor/inside-source"},
@@ -212,6 +213,17 @@ TEST_P(FailingPlugin, IsFoundByTheCheckForItAlone) {
 
 INSTANTIATE_TEST_SUITE_P(Validate, FailingPlugin, testing::ValuesIn(kFailures),
                          [](const auto& test) { return std::string(test.param.m_szFixture); });
+
+TEST(Validate, ASampleOfUnknownLengthHidesNoFaultOfTheNext) {
+    const CScratchDirectory scratch;
+    std::vector<std::string> arguments = {"--only", "seek/beyond-end"};
+    for (const char* const name : {"unknown.wav", "usual.wav"}) {
+        std::filesystem::copy_file("/usr/share/sounds/alsa/Front_Center.wav", scratch / name);
+        arguments.insert(arguments.end(), {"--sample", scratch / name});
+    }
+    const nlohmann::json report = ValidateJson(CFixturePlugin("SeekGoesBeyondTheEnd").Path(), arguments);
+    EXPECT_EQ(FindingsIn(report), std::vector<std::string>{"seek/beyond-end failed"}) << report.dump(1);
+}
 
 TEST(Validate, EveryCheckHasAFixtureThatItFinds) {
     std::set<std::string> found;
