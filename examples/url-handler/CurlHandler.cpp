@@ -92,7 +92,7 @@ private:
     }
 
     std::string FetchFile(const std::string& url) override {
-        const std::string path = NextPath(NameOf(url));
+        std::string path = NextPath(NameOf(url));
         const CFilePtr file(std::fopen(path.c_str(), "wb"));
         if (file == nullptr) Refuse(path + ": " + SystemReason(errno));
         try {
