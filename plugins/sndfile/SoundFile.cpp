@@ -85,7 +85,8 @@ int SampleBytesOf(int coding) {
 }  // namespace
 
 std::unique_ptr<CSoundFile> CSoundFile::Open(const std::string& path) {
-    CFileDescriptor descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    // Without blocking, for a pipe that nobody writes to.
+    CFileDescriptor descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     RequireFile(descriptor);
     std::string formatName = FormatNameOf(descriptor.Get());
     auto file = std::make_unique<CSoundFile>(std::move(descriptor), std::move(formatName));

@@ -85,11 +85,12 @@ TEST_F(StopSignal, InterruptEndsTheWayToAFarStart) {
 }
 
 TEST_F(StopSignal, InterruptEndsTheWaitForAPipe) {
-    ASSERT_EQ(mkfifo(InWork("pipe.wav").c_str(), 0600), 0);
-    CRunningProgram program({KELOAUDIO, "convert", "pipe.wav", "out.wav"}, WorkDirectory());
+    ASSERT_EQ(mkfifo(InWork("pipe.waits").c_str(), 0600), 0);
+    CRunningProgram program({KELOAUDIO, "convert", "pipe.waits", "out.wav", "--plugins", PluginDirectory()},
+                            WorkDirectory());
     // The signal may come before the wait begins; then the next one ends it.
     for (int i = 0; i < kMaxSignals && !program.WaitFor(std::chrono::milliseconds(100)); ++i) program.Signal(SIGINT);
-    ExpectFailure(program.Wait(), {"pipe.wav: Interrupted system call"}, 128 + SIGINT);
+    ExpectFailure(program.Wait(), {"pipe.waits: Interrupted system call"}, 128 + SIGINT);
 }
 
 TEST_F(StopSignal, IgnoredHangUpStaysIgnored) {
@@ -132,7 +133,7 @@ TEST_F(StopSignal, InterruptReachesJobsThatWaitForPipes) {
     std::vector<std::string> command = {KELOAUDIO, "convert", "--to", "flac",      "--out-dir",
                                         "out",     "--jobs",  "4",    "--plugins", PluginDirectory()};
     for (const std::string name : {"a", "b", "c", "d"}) {
-        const std::string pipe = InWork("in/" + name + ".wav");
+        const std::string pipe = InWork("in/" + name + ".waits");
         ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
         command.push_back(pipe);
     }

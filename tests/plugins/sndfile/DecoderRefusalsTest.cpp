@@ -35,8 +35,10 @@ TEST(SndfileRefusals, TellAPipe) {
     CScratchDirectory scratch;
     const std::string path = scratch / "pipe.wav";
     ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    const std::string reason = "pipe.wav: not readable as audio: a pipe is no file";
+    EXPECT_EQ(RefusalOf(path), reason) << "without a writer";
     const std::fstream writer(path);
-    EXPECT_EQ(RefusalOf(path), "pipe.wav: not readable as audio: a pipe is no file");
+    EXPECT_EQ(RefusalOf(path), reason);
 }
 
 TEST(SndfileRefusals, NameTheCodecsReason) {
