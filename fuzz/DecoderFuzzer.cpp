@@ -6,6 +6,8 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -31,6 +33,11 @@ constexpr std::uint64_t kMostBytes = 1 << 20;
 constexpr SWavFormat kWantedFormats[] = {{48000, 16, 2}, {44100, 24, 1}, {8000, 8, 1}, {96000, 32, 2}, {22050, 16, 6}};
 constexpr int kBufferSizes[] = {4096, 65532, 512, 333};
 
+bool HasDecoder(CAudioPluginMgr& manager) {
+    CComPtr<IComponentEnum> decoders;
+    return manager.Get(ACT_DECODER, decoders.Out()) && decoders->GetCount() > 0;
+}
+
 // A manager with the plug-in under test and the convertor, which stay loaded: some libraries leave memory behind when
 // they are unloaded.
 CAudioPluginMgr& Manager() {
@@ -41,8 +48,10 @@ CAudioPluginMgr& Manager() {
         }
         const auto* const loaded = new support::CManagerHold;
         (*loaded)->SetPluginDirectory(scratch.Path().c_str());
-        fuzz::Require((*loaded)->LoadPlugins(), "the plug-ins are loaded");
-        fuzz::Require((*loaded)->GetCount() >= 2, "the plug-ins have a decoder and a convertor");
+        (*loaded)->LoadPlugins();
+        IConvertorFactory* lent = nullptr;
+        fuzz::Require(HasDecoder(*loaded->Get()), KELO_FUZZED_PLUGIN " has a decoder");
+        fuzz::Require((*loaded)->GetConvertor(&lent) && lent != nullptr, KELO_SOXR_PLUGIN " has a convertor");
         return loaded;
     }();
     return *hold->Get();
@@ -115,18 +124,22 @@ public:
     bool Start() const { return m_process->Start(nullptr); }
     void End() const { fuzz::Require(m_process->End(nullptr), "the stream ends"); }
 
-    // To the end of the sound, or as far as it goes.
-    void ReadOn() {
+    // To the end of the sound, or as far as it goes; how many bytes there were.
+    std::uint64_t ReadOn() {
         std::uint64_t total = 0;
         EAudioRawState state = ARS_MORE;
         for (int i = 0; i < kMostReads && total < kMostBytes; ++i) {
             const std::uint64_t before = m_block->GetPos();
             int read = -1;
-            if (!Read(read, state)) return;
+            if (!Read(read, state)) break;
             total += static_cast<std::uint64_t>(read);
             if (!m_bConverts) RequireMoved(before, read);
-            if (read == 0 && state != ARS_MORE) return RequireEnd();
+            if (read == 0 && state != ARS_MORE) {
+                RequireEnd();
+                break;
+            }
         }
+        return total;
     }
 
     void SeekTo(std::uint64_t choice) {
@@ -168,16 +181,27 @@ private:
     bool m_bConverts;
 };
 
-void Play(const std::string& path, const SWavFormat* wanted, std::uint64_t choice) {
+// How many bytes were read, 0 of what cannot be played.
+std::uint64_t Play(const std::string& path, const SWavFormat* wanted, std::uint64_t choice) {
     CSource source(path, wanted, kBufferSizes[choice % 4]);
-    if (!source.IsOpen()) return;
+    if (!source.IsOpen()) return 0;
     source.CheckFormat();
     source.CheckDetails();
-    if (!source.Start()) return;
-    source.ReadOn();
+    if (!source.Start()) return 0;
+    std::uint64_t total = source.ReadOn();
     source.SeekTo(choice >> 8);
-    source.ReadOn();
+    total += source.ReadOn();
     source.End();
+    return total;
+}
+
+// A decoder that refuses everything, or no way to convert, would let every input pass.
+void RequireThatAGoodSoundPlays() {
+    std::ifstream stream(KELO_GOOD_SOUND, std::ios::binary);
+    const std::vector<std::uint8_t> content{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+    const CMemoryFile file(content.data(), content.size());
+    fuzz::Require(Play(file.Path(), nullptr, 0) > 0, KELO_GOOD_SOUND " plays as it is");
+    fuzz::Require(Play(file.Path(), kWantedFormats, 0) > 0, KELO_GOOD_SOUND " plays converted");
 }
 
 }  // namespace
@@ -187,7 +211,7 @@ extern "C" const char* __lsan_default_suppressions();
 extern "C" const char* __lsan_default_suppressions() { return "leak:libvorbis.so\n"; }
 
 extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
-    Manager();
+    RequireThatAGoodSoundPlays();
     return 0;
 }
 

@@ -31,6 +31,7 @@ function(kelo_fuzz_program program target)
     set(plugin ${kelo_fuzz_plugin_${target}})
     target_compile_definitions(${program} PRIVATE
       KELO_FUZZED_PLUGIN="$<TARGET_FILE:${plugin}>"
+      KELO_GOOD_SOUND="${kelo_fuzz_folder}/corpus/${target}/mono.flac"
       KELO_SOXR_PLUGIN="$<TARGET_FILE:kelo_soxr>")
     add_dependencies(${program} ${plugin} kelo_soxr)
   endif()
