@@ -8,14 +8,24 @@
 
 #include "host/Failure.h"
 #include "host/FailureText.h"
+#include "host/TemporaryDirectory.h"
 
 namespace fs = std::filesystem;
 
-CScratchPlace::CScratchPlace() {
-    std::string name = (fs::canonical(fs::temp_directory_path()) / "keloaudio-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) throw CFailure(name, SystemErrorText(errno));
-    m_strPath = name;
+namespace {
+
+std::string Make() {
+    const fs::path place = TemporaryDirectory();
+    std::error_code error;
+    std::string path = (fs::canonical(place, error) / "keloaudio-XXXXXX").string();
+    if (!error && mkdtemp(path.data()) != nullptr) return path;
+    const std::string reason = error ? error.message() : SystemErrorText(errno);
+    throw CFailure(place, "no directory can be made in it (TMPDIR): " + reason);
 }
+
+}  // namespace
+
+CScratchPlace::CScratchPlace() : m_strPath(Make()) {}
 
 CScratchPlace::~CScratchPlace() {
     std::error_code ignored;

@@ -18,6 +18,7 @@
 #include "host/StartDirectory.h"
 #include "host/StopSignal.h"
 #include "host/TargetFile.h"
+#include "host/TemporaryDirectory.h"
 #include "host/TemporaryFile.h"
 
 namespace {
@@ -145,7 +146,7 @@ void ConvertToStandardOutput(const SConversionSetting& setting) {
         CConversion conversion(setting.m_session, setting.m_options, name, "standard output",
                                setting.m_options.m_strExtension);
         // Encoders need a file that they can go back in.
-        const CTemporaryFile file("standard output", FromStart(fs::temp_directory_path()), "keloaudio");
+        const CTemporaryFile file("standard output", FromStart(TemporaryDirectory()), "keloaudio");
         CFileProgress progress(name, setting.m_console);
         const SConversionReport report = conversion.Run(file.GetPath(), progress.Listener());
         ReportLosses(setting, name.GetGiven(), report);
