@@ -3,15 +3,12 @@
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
-#include <signal.h>
-#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/time.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
+#include <chrono>
 
 #include "host/Failure.h"
 #include "host/FailureText.h"
@@ -19,6 +16,9 @@
 namespace {
 
 constexpr std::size_t kMostRequestBytes = 65536;
+
+// Nobody waits for the server's end.
+constexpr std::chrono::hours kNoLimit{24};
 
 sockaddr_in LoopbackAddress() {
     sockaddr_in address = {};
@@ -28,21 +28,34 @@ sockaddr_in LoopbackAddress() {
 }
 
 // Bound to a free port.
-int BoundSocket() {
-    const int socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address = LoopbackAddress();
-    if (socket == -1 || bind(socket, reinterpret_cast<sockaddr*>(&address), sizeof(address)) != 0) {
-        throw CFailure("validate", "no port for a web server: " + SystemErrorText(errno));
+class CBoundSocket {
+public:
+    CBoundSocket() : m_nDescriptor(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+        sockaddr_in address = LoopbackAddress();
+        if (m_nDescriptor != -1 && bind(m_nDescriptor, reinterpret_cast<sockaddr*>(&address), sizeof(address)) == 0) {
+            return;
+        }
+        const int reason = errno;
+        close(m_nDescriptor);
+        throw CFailure("validate", "no port for a web server: " + SystemErrorText(reason));
     }
-    return socket;
-}
+    ~CBoundSocket() { close(m_nDescriptor); }
 
-std::string URLOf(int socket) {
-    sockaddr_in address = {};
-    socklen_t size = sizeof(address);
-    getsockname(socket, reinterpret_cast<sockaddr*>(&address), &size);
-    return "http://127.0.0.1:" + std::to_string(ntohs(address.sin_port));
-}
+    CBoundSocket(const CBoundSocket&) = delete;
+    CBoundSocket& operator=(const CBoundSocket&) = delete;
+
+    int GetDescriptor() const { return m_nDescriptor; }
+
+    std::string GetURL() const {
+        sockaddr_in address = {};
+        socklen_t size = sizeof(address);
+        getsockname(m_nDescriptor, reinterpret_cast<sockaddr*>(&address), &size);
+        return "http://127.0.0.1:" + std::to_string(ntohs(address.sin_port));
+    }
+
+private:
+    int m_nDescriptor;
+};
 
 // Up to the empty line that ends it; a client that says nothing is given up.
 std::string ReceiveRequest(int client) {
@@ -85,7 +98,6 @@ void Answer(int client, const std::map<std::string, CBytes>& files) {
 }
 
 [[noreturn]] void Serve(int socket, const std::map<std::string, CBytes>& files) {
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
     for (;;) {
         const int client = accept4(socket, nullptr, nullptr, SOCK_CLOEXEC);
         if (client == -1) continue;
@@ -97,27 +109,16 @@ void Answer(int client, const std::map<std::string, CBytes>& files) {
 }  // namespace
 
 CLoopbackServer::CLoopbackServer(const std::map<std::string, CBytes>& files) {
-    const int socket = BoundSocket();
-    listen(socket, SOMAXCONN);
-    m_strURL = URLOf(socket);
-    std::fflush(nullptr);
-    m_id = fork();
-    if (m_id == 0) Serve(socket, files);
-    const int reason = errno;
-    close(socket);
-    if (m_id == -1) throw CFailure("validate", "no process for a web server: " + SystemErrorText(reason));
-}
-
-CLoopbackServer::~CLoopbackServer() {
-    kill(m_id, SIGKILL);
-    while (waitpid(m_id, nullptr, 0) == -1 && errno == EINTR) {
+    const CBoundSocket socket;
+    if (listen(socket.GetDescriptor(), SOMAXCONN) != 0) {
+        throw CFailure("validate", "no web server: " + SystemErrorText(errno));
     }
+    m_strURL = socket.GetURL();
+    const auto serve = [&] { Serve(socket.GetDescriptor(), files); };
+    m_pProcess = std::make_unique<CChildProcess>(serve, kNoLimit, false);
 }
 
 std::string DeadURL() {
     // The port was free a moment ago and is not listened at.
-    const int socket = BoundSocket();
-    const std::string url = URLOf(socket);
-    close(socket);
-    return url;
+    return CBoundSocket().GetURL();
 }

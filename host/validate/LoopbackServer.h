@@ -1,11 +1,11 @@
 // A web server of the validator's own, for URL handlers.
 #pragma once
 
-#include <sys/types.h>
-
 #include <map>
+#include <memory>
 #include <string>
 
+#include "host/ChildProcess.h"
 #include "host/validate/SampleSound.h"
 
 // Serves its files at 127.0.0.1 over HTTP/1.1 from a process of its own, which ends with this object. Everything else
@@ -14,17 +14,13 @@ class CLoopbackServer {
 public:
     // Names begin with a slash. Throws CFailure when there is no port or process.
     explicit CLoopbackServer(const std::map<std::string, CBytes>& files);
-    ~CLoopbackServer();
-
-    CLoopbackServer(const CLoopbackServer&) = delete;
-    CLoopbackServer& operator=(const CLoopbackServer&) = delete;
 
     // "http://127.0.0.1:PORT".
     const std::string& GetURL() const { return m_strURL; }
 
 private:
     std::string m_strURL;
-    pid_t m_id;
+    std::unique_ptr<CChildProcess> m_pProcess;
 };
 
 // An address at which nobody listens.
