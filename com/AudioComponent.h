@@ -25,10 +25,11 @@ public:
     virtual EAudioComponentType GetType() = 0;
 
     // Called once after loading, on the thread that loads the plug-ins; `manager` is borrowed. False rejects the
-    // component; the reason goes out through `status` (the caller releases it).
+    // component; the reason goes out through `status` (the caller releases it). Must not load or unload plug-ins.
     virtual bool Initialize(IAudioPluginMgr* manager, IStatus** status) = 0;
 
-    // Called once before the final release at unload, on the thread that unloads the plug-ins.
+    // Called once before the final release at unload, on the thread that unloads the plug-ins. Must not load or unload
+    // plug-ins; components that have ended before are listed no more.
     virtual void Terminate() = 0;
 
 protected:

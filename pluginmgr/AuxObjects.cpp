@@ -22,6 +22,8 @@ bool CAudioPluginMgr::AttachAuxObject(void* key, IUnknown* object) {
 bool CAudioPluginMgr::DetachAuxObject(void* key) {
     const auto entry = FindAuxObject(key);
     if (entry == m_vAuxObjects.end()) return false;
+    // Its end may call back, and finds the table whole.
+    const CComPtr<IUnknown> last(entry->pObject);
     m_vAuxObjects.erase(entry);
     return true;
 }

@@ -76,7 +76,7 @@ bool CAudioPluginMgr::GetComponent(int index, IAudioComponent** component) {
 
 bool CAudioPluginMgr::GetComponentInfo(IAudioComponent* component, COMPONENT_INFO* info) {
     const auto found = std::find(m_vComponents.begin(), m_vComponents.end(), component);
-    if (found == m_vComponents.end()) return false;
+    if (component == nullptr || found == m_vComponents.end()) return false;
     *info = *m_vIdentities[static_cast<std::size_t>(found - m_vComponents.begin())];
     return true;
 }

@@ -1,6 +1,10 @@
 // Discovery, loading and unloading of plug-ins.
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 #include "com/InterfaceIds.h"
 #include "pluginmgr/AudioPluginLib.h"
@@ -58,14 +62,18 @@ void CloseUninitialized(const char* path) {
     FreeLibrary(module);  // the handle that the exception kept from the caller
 }
 
-// Makes `directory` the current one and returns to the old one at its end.
+// Makes `directory` the current one and returns to the old one at its end, be it one that has no name any more.
 class CCurrentDirectory {
 public:
     explicit CCurrentDirectory(const char* directory)
-        : m_bSaved(CPortableFile::GetCurrentDirectory(sizeof m_szSaved, m_szSaved) != 0),
+        : m_nDescriptor(open(".", O_PATH | O_DIRECTORY | O_CLOEXEC)),
+          m_bSaved(CPortableFile::GetCurrentDirectory(sizeof m_szSaved, m_szSaved) != 0),
           m_bEntered(CPortableFile::SetCurrentDirectory(directory) != 0) {}
     ~CCurrentDirectory() {
-        if (m_bSaved) CPortableFile::SetCurrentDirectory(m_szSaved);
+        const bool returned = m_bSaved && CPortableFile::SetCurrentDirectory(m_szSaved) != 0;
+        if (m_nDescriptor == -1) return;
+        if (!returned) static_cast<void>(fchdir(m_nDescriptor) == 0);
+        close(m_nDescriptor);
     }
 
     CCurrentDirectory(const CCurrentDirectory&) = delete;
@@ -74,6 +82,7 @@ public:
     bool IsEntered() const { return m_bEntered; }
 
 private:
+    int m_nDescriptor;
     char m_szSaved[4096];
     bool m_bSaved;
     bool m_bEntered;
@@ -210,9 +219,11 @@ bool CAudioPluginMgr::UnloadPlugins() {
     // Whoever installed the factory: the host's own is released here as well.
     GiveUp(m_pConvertorFactory);
     GiveUp(m_pURLSourceHandler);
-    for (IAudioComponent* const component : m_vComponents) {
-        component->Terminate();
-        component->Release();
+    // By position: a component's code may call the manager meanwhile, and finds no component that has been released.
+    for (std::size_t position = 0; position < m_vComponents.size(); ++position) {
+        if (m_vComponents[position] == nullptr) continue;
+        m_vComponents[position]->Terminate();
+        std::exchange(m_vComponents[position], nullptr)->Release();
     }
     m_vIdentities.clear();
     for (CAudioPluginLib* const library : m_vLibraries) delete library;

@@ -35,6 +35,24 @@ bool FailToOpen(IUnknown** stream, CComPtr<IStatus> refusal, IStatus** status) {
     return false;
 }
 
+// How many remote names of this thread lead to another one: a handler may leave a remote name, even the same for ever.
+class CRemoteDepth {
+public:
+    CRemoteDepth() { ++s_nDepth; }
+    ~CRemoteDepth() { --s_nDepth; }
+
+    CRemoteDepth(const CRemoteDepth&) = delete;
+    CRemoteDepth& operator=(const CRemoteDepth&) = delete;
+
+    bool IsEndless() const { return s_nDepth > kMostRemoteNames; }
+
+private:
+    static constexpr int kMostRemoteNames = 32;
+    static thread_local int s_nDepth;
+};
+
+thread_local int CRemoteDepth::s_nDepth = 0;
+
 }  // namespace
 
 bool CAudioPluginMgr::SetConvertor(IConvertorFactory* factory, IStatus** status) {
@@ -44,7 +62,8 @@ bool CAudioPluginMgr::SetConvertor(IConvertorFactory* factory, IStatus** status)
         return false;
     }
     CComPtr<IConvertorFactory> next(factory);
-    m_pConvertorFactory.Reset();
+    // Out of the member first: the end of the old one may install another.
+    CComPtr<IConvertorFactory>::Adopt(m_pConvertorFactory.Detach());
     m_pConvertorFactory = std::move(next);
     return true;
 }
@@ -92,7 +111,8 @@ bool CAudioPluginMgr::OpenRemote(const char* url, IUnknown** stream, int pass, E
     const SFetchedSource source =
         FetchRemote(*registry, url, static_cast<EURLType>(GetURLType(url)), localPath, passed);
     localPath[kLocalPathCapacity - 1] = '\0';
-    if (!source.m_pHandler) return FailToOpen(stream, nullptr, status);
+    const CRemoteDepth depth;
+    if (!source.m_pHandler || depth.IsEndless()) return FailToOpen(stream, nullptr, status);
     return OpenURLAudioFile(localPath, stream, pass, required, excluded, status);
 }
 

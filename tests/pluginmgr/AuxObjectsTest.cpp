@@ -19,6 +19,39 @@ public:
     unsigned int m_nReferences = 1;
 };
 
+// Detaches another one when the table gives it up.
+class CDetachingObject final : public CObject {
+public:
+    CDetachingObject(CAudioPluginMgr& manager, void* key) : m_manager(manager), m_pKey(key) {}
+
+    unsigned int Release() override {
+        const unsigned int count = CObject::Release();
+        if (count == 1) m_manager.DetachAuxObject(m_pKey);
+        return count;
+    }
+
+private:
+    CAudioPluginMgr& m_manager;
+    void* m_pKey;
+};
+
+// Would not outlive what the table does to it: tells whether it was touched after the table had given it up.
+class CMortalObject final : public CObject {
+public:
+    unsigned int AddRef() override {
+        m_bTouched = m_bTouched || m_bGone;
+        return CObject::AddRef();
+    }
+    unsigned int Release() override {
+        const unsigned int count = CObject::Release();
+        m_bGone = count == 1;
+        return count;
+    }
+
+    bool m_bGone = false;
+    bool m_bTouched = false;
+};
+
 class AuxObjects : public testing::Test {
 protected:
     CObject m_a;
@@ -48,6 +81,23 @@ TEST_F(AuxObjects, AreReleasedWhenDetachedAndLeaveTheOthers) {
     EXPECT_TRUE(m_manager->GetAuxObject(&m_secondKey, found.Out()));
     EXPECT_EQ(found.Get(), &m_b);
     EXPECT_FALSE(m_manager->GetAuxObject(&m_firstKey, nullptr));
+}
+
+TEST_F(AuxObjects, MayDetachAnotherWhenTheyAreReleased) {
+    int key = 0;
+    CDetachingObject object(*m_manager, &m_secondKey);
+    CMortalObject last;
+    m_manager->AttachAuxObject(&key, &object);
+    m_manager->AttachAuxObject(&m_firstKey, &m_a);
+    m_manager->AttachAuxObject(&m_secondKey, &last);
+    last.m_bTouched = false;
+    EXPECT_TRUE(m_manager->DetachAuxObject(&key));
+    EXPECT_EQ(object.m_nReferences, 1U);
+    EXPECT_EQ(m_a.m_nReferences, 2U);
+    EXPECT_EQ(last.m_nReferences, 1U);
+    EXPECT_FALSE(last.m_bTouched);
+    EXPECT_TRUE(m_manager->GetAuxObject(&m_firstKey, nullptr));
+    EXPECT_FALSE(m_manager->GetAuxObject(&m_secondKey, nullptr));
 }
 
 TEST_F(AuxObjects, AnExistenceTestChangesNoCount) {

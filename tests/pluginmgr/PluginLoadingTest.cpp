@@ -1,5 +1,6 @@
 // Discovery and loading of plug-ins, with real shared objects.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <stdexcept>
@@ -8,6 +9,7 @@
 #include "tests/pluginmgr/LoadedManager.h"
 #include "tests/support/ExpectedLeaks.h"
 #include "tests/support/Sanitizers.h"
+#include "tests/support/ScratchDirectory.h"
 
 namespace {
 
@@ -78,6 +80,23 @@ TEST(LoadPlugins, RestoresTheCurrentDirectory) {
     const auto before = std::filesystem::current_path();
     const CLoadedManager manager(plugins);
     EXPECT_EQ(std::filesystem::current_path(), before);
+}
+
+TEST(LoadPlugins, ReturnsToACurrentDirectoryThatHasBeenRemoved) {
+    const CPluginDirectory plugins({"decoder"});
+    const CScratchDirectory scratch;
+    const std::string removed = scratch / "removed";
+    std::filesystem::create_directory(removed);
+    std::filesystem::current_path(removed);
+    std::filesystem::remove(removed);
+    struct stat before {};
+    ASSERT_EQ(stat(".", &before), 0);
+    const CLoadedManager manager(plugins);
+    EXPECT_EQ(manager->GetCount(), 1);
+    struct stat after {};
+    ASSERT_EQ(stat(".", &after), 0);
+    EXPECT_EQ(after.st_ino, before.st_ino);
+    EXPECT_EQ(after.st_dev, before.st_dev);
 }
 
 TEST(LoadPlugins, FollowsARelativeDirectory) {

@@ -3,14 +3,17 @@
 
 #include <algorithm>
 #include <atomic>
+#include <functional>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 #include "com/InterfaceIds.h"
 #include "portable/DirEntry.h"
 #include "portable/PortableFile.h"
 #include "stream/LiveAggregators.h"
 #include "tests/pluginmgr/LoadedManager.h"
+#include "tests/pluginmgr/RegisteredComponents.h"
 #include "tests/support/ExpectedLeaks.h"
 
 namespace {
@@ -215,6 +218,91 @@ TEST(UnloadPlugins, EndsComponentAfterComponentAndThenClosesTheLibraries) {
     EXPECT_EQ(plugins.Log(),
               (Lines{"decoder asked", names[0] + " terminated", names[0] + " released", names[1] + " terminated",
                      names[1] + " released", names[0] + " unloaded", names[1] + " unloaded"}));
+}
+
+// Does at its end what the test says.
+class CEndingComponent final : public CCountedComponent {
+public:
+    explicit CEndingComponent(std::function<void()> onTerminate)
+        : CCountedComponent(ACT_DECODER, "ending"), m_onTerminate(std::move(onTerminate)) {}
+
+    void Terminate() override { m_onTerminate(); }
+
+    std::function<void()> m_onTerminate;
+};
+
+TEST(UnloadPlugins, ListsNoComponentThatHasBeenReleased) {
+    const auto manager = ObtainManager();
+    CCountedComponent first(ACT_DECODER);
+    Lines listed;
+    bool known = true;
+    CEndingComponent second([&] {
+        for (int i = 0; i < manager->GetCount(); ++i) {
+            CComPtr<IAudioComponent> component;
+            if (manager->GetComponent(i, component.Out())) listed.emplace_back(component->GetName());
+        }
+        COMPONENT_INFO info;
+        known = manager->GetComponentInfo(nullptr, &info);
+    });
+    manager->AddComponent(first.HandOver(), "first.so", 0);
+    manager->AddComponent(second.HandOver(), "second.so", 0);
+    manager->SetPluginDirectory("/no/such/directory");
+    ASSERT_TRUE(manager->LoadPlugins());
+    EXPECT_TRUE(manager->UnloadPlugins());
+    EXPECT_EQ(listed, Lines{"ending"});
+    EXPECT_FALSE(known) << "the empty place of the released one is none";
+    EXPECT_EQ(manager->GetCount(), 0);
+    EXPECT_EQ(second.m_nReferences, 0U);
+}
+
+TEST(UnloadPlugins, ForgetsWhatItReleasedBeforeAComponentThrew) {
+    const auto manager = ObtainManager();
+    CCountedComponent first(ACT_DECODER);
+    CEndingComponent second([] { throw 5; });
+    manager->AddComponent(first.HandOver(), "first.so", 0);
+    manager->AddComponent(second.HandOver(), "second.so", 0);
+    manager->SetPluginDirectory("/no/such/directory");
+    ASSERT_TRUE(manager->LoadPlugins());
+    EXPECT_THROW(manager->UnloadPlugins(), int);
+    second.m_onTerminate = [] {};
+    ASSERT_TRUE(manager->LoadPlugins());
+    EXPECT_EQ(ComponentNames(*manager), Lines{"ending"});
+    EXPECT_STREQ(manager->GetComponentStringID(&second).GetText(), "second.so*0");
+    EXPECT_TRUE(manager->UnloadPlugins());
+    EXPECT_EQ(first.m_nReferences, 0U);
+    EXPECT_EQ(second.m_nReferences, 0U);
+}
+
+// Puts another factory in its place when it ends.
+class CEndingFactory final : public CHostFactory {
+public:
+    CEndingFactory(CAudioPluginMgr& manager, IConvertorFactory& successor)
+        : m_manager(manager), m_successor(successor) {}
+
+    unsigned int Release() override {
+        const unsigned int count = CHostFactory::Release();
+        if (count == 0) m_manager.SetConvertor(&m_successor, nullptr);
+        return count;
+    }
+
+private:
+    CAudioPluginMgr& m_manager;
+    IConvertorFactory& m_successor;
+};
+
+TEST(SetConvertor, KeepsTheNewFactoryWhenTheOldOneInstallsAnotherAtItsEnd) {
+    CHostFactory successor;
+    CHostFactory next;
+    const auto manager = ObtainManager();
+    CEndingFactory old(*manager, successor);
+    manager->SetConvertor(&old, nullptr);
+    EXPECT_TRUE(manager->SetConvertor(&next, nullptr));
+    IConvertorFactory* installed = nullptr;
+    manager->GetConvertor(&installed);
+    EXPECT_EQ(installed, &next);
+    EXPECT_EQ(old.m_nReferences, 0);
+    EXPECT_EQ(successor.m_nReferences, 0);
+    EXPECT_EQ(next.m_nReferences, 1);
 }
 
 TEST(UnloadPlugins, AsksEveryPluginAtEachOfSeveralUnloadsAndCountsNoRefusal) {
