@@ -29,8 +29,10 @@ public:
             if (!IsInProcess()) Refuse("write before start");
             if (m_bBroken) Refuse("an earlier write has failed");
             if (size == 0) return true;
-            m_bBroken = size < 0;  // what a target passes on when its conversion has failed
-            if (data == nullptr || size < 0) throw CBadArgument();
+            // What a target passes on when its conversion has failed: the convertor's status stands.
+            m_bBroken = size < 0;
+            if (m_bBroken) return false;
+            if (data == nullptr) throw CBadArgument();
             if (size % m_nBlockSize != 0) {
                 Refuse(std::to_string(size) + " bytes are not whole frames of " + std::to_string(m_nBlockSize));
             }

@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "com/StatusObject.h"
+#include "stream/PassedStatus.h"
 #include "stream/SourceLimits.h"
 #include "stream/SrcConvAggregator.h"
 #include "stream/TruncateToUnsigned.h"
@@ -35,7 +36,9 @@ bool CSrcConvAggregator::RawRead(unsigned char* buffer, int size, int* read, EAu
         ReportStatus(status, AE_BUFFER_TOO_SMALL);
         return false;
     }
+    CPassedStatus passed(status);
     if (!m_pReader->RawRead(m_pConversionBuffer.get(), request, read, state, status)) return false;
+    passed.Update();
     if (*read < 0 || *read > request) return false;
     return ConvertBlock(buffer, size, read, status);
 }

@@ -96,8 +96,10 @@ bool CTargetAggregator::RawWrite(unsigned char* data, int size, EAudioRawState& 
         ReportStatus(status, AE_BAD_ARGUMENT);
         return false;
     }
+    CPassedStatus passed(status);
     if (m_pConvertor) {
         m_pConvertor->Convert(data, size, 0, status);
+        passed.Update();
         data = m_pConvertor->GetOutputData();
         size = m_pConvertor->GetOutputLength();
     }

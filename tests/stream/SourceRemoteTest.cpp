@@ -218,6 +218,21 @@ TEST_F(SourceRemote, AFetchedNameMayBeRemoteAgain) {
     ExpectNothingHeld();
 }
 
+TEST_F(SourceRemote, NamesThatNeverBecomeLocalHaveNoDecoder) {
+    Register({&m_wav, &m_handler});
+    m_handler.m_localPath = kHttp;
+    m_handler.m_fetch.m_pReason = "moved";
+    CComPtr<IStatus> status;
+    EXPECT_FALSE(Open(kHttp, -1, status.Out()));
+    EXPECT_EQ(ErrorOf(status), 0x80000004U);
+    m_handler.m_localPath = m_song;
+    m_handler.m_fetch.m_pReason = nullptr;
+    status.Reset();
+    EXPECT_TRUE(Open(kHttp, -1, status.Out())) << "the next one starts anew";
+    status.Reset();
+    ExpectNothingHeld();
+}
+
 TEST_F(SourceRemote, TheLocalPathMayFillItsWholeBuffer) {
     Register({&m_wav, &m_handler});
     m_handler.m_localPath = "/" + std::string(kLocalPathCapacity - 2, 'a');

@@ -188,6 +188,19 @@ TEST_F(SrcConvReading, TheConvertorsOwnResultIsIgnored) {
     EXPECT_EQ(m_nRead, 48);
 }
 
+TEST_F(SrcConvReading, AStatusOfTheConvertorTakesThePlaceOfTheDecoders) {
+    StartConverting(kSameByteRate);
+    m_script.m_read = [](unsigned char*, int size, int* read, EAudioRawState&, IStatus** status) {
+        *read = size;
+        return support::Play({support::EOutcome::Succeeds, "damaged"}, status);
+    };
+    m_factory.m_convertor.m_pReason = "not converted";
+    CComPtr<IStatus> status;
+    EXPECT_TRUE(Read(1000, status.Out()));
+    EXPECT_STREQ(support::TextOf(status), "not converted");
+    EXPECT_EQ(support::CCountedStatus::Alive(), 1);
+}
+
 TEST_F(SrcConvReading, AFailedDecoderReadConvertsNothing) {
     StartConverting(kSameByteRate);
     m_script.m_read = [](unsigned char*, int, int*, EAudioRawState&, IStatus** status) {

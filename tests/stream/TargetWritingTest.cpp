@@ -249,6 +249,18 @@ TEST_F(TargetWriting, AConvertingWriteHandsOverTheConvertedBlock) {
     EXPECT_EQ(write.m_eState, kLastBlock);
 }
 
+TEST_F(TargetWriting, AStatusOfTheConvertorStandsUnlessTheEncoderHasOne) {
+    StartConverting(kStudio);
+    m_factory.m_convertor.m_pReason = "not converted";
+    CComPtr<IStatus> status;
+    EXPECT_TRUE(Write(status.Out()));
+    EXPECT_STREQ(TextOf(status), "not converted");
+    m_script.m_pWriteReason = "not written";
+    EXPECT_TRUE(Write(status.Out()));
+    EXPECT_STREQ(TextOf(status), "not written");
+    EXPECT_EQ(CCountedStatus::Alive(), 1);
+}
+
 TEST_F(TargetWriting, AnEmptyConvertedBlockStillReachesTheEncoder) {
     StartConverting(kStudio);
     m_factory.m_convertor.m_convert = [](const std::vector<unsigned char>&) { return std::vector<unsigned char>(); };

@@ -29,7 +29,8 @@ struct SConvertorScript {
     std::function<std::vector<unsigned char>(const std::vector<unsigned char>&)>
         m_convert;  // the same bytes when empty
     bool m_bConvertResult = true;
-    std::optional<int> m_nLength;  // a length to tell instead of the true one
+    const char* m_pReason = nullptr;  // stored as a status by each conversion
+    std::optional<int> m_nLength;     // a length to tell instead of the true one
     std::vector<SConvertCall> m_convertCalls;
     int m_nAlive = 0;
 };
@@ -57,6 +58,7 @@ public:
         std::vector<unsigned char> input(data, data + size);
         m_output = m_script.m_convert ? m_script.m_convert(input) : input;
         m_script.m_convertCalls.push_back({data, std::move(input), flags, status});
+        Play({EOutcome::Succeeds, m_script.m_pReason}, status);
         return m_script.m_bConvertResult;
     }
     int GetOutputLength() override {

@@ -21,7 +21,8 @@ struct SEncoderScript : SStreamScript {
     SWavFormat m_format{44100, 16, 2};
     bool m_bFormatThrows = false;
     bool m_bWriteResult = true;
-    EAudioRawState m_eAnswer = ARS_MORE;  // stored into the caller's state when m_bAnswers
+    const char* m_pWriteReason = nullptr;  // stored as a status by each write
+    EAudioRawState m_eAnswer = ARS_MORE;   // stored into the caller's state when m_bAnswers
     bool m_bAnswers = false;
     std::vector<SWriteCall> m_writeCalls;
 };
@@ -43,6 +44,7 @@ private:
             SEncoderScript& script = m_owner.Script();
             script.m_writeCalls.push_back({data, std::vector<unsigned char>(data, data + size), state, status});
             if (script.m_bAnswers) state = script.m_eAnswer;
+            Play({EOutcome::Succeeds, script.m_pWriteReason}, status);
             return script.m_bWriteResult;
         }
         SWavFormat GetRawFormat() override {
