@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cstdarg>
 #include <cstring>
+#include <limits>
+#include <new>
 
 #include "portable/BoundedFormat.h"
 #include "portable/SurvivingStore.h"
@@ -13,7 +15,14 @@ namespace {
 constexpr int kInitialCapacity = 6;
 constexpr int kFormatCapacity = 16384;
 
-int LengthOf(const char* text) { return static_cast<int>(std::strlen(text)); }
+// The longest text for which the capacity is an int.
+constexpr int kMaximumLength = std::numeric_limits<int>::max() / 2 - 1;
+
+int LengthOf(const char* text) {
+    const std::size_t length = std::strlen(text);
+    if (length > kMaximumLength) throw std::bad_alloc();
+    return static_cast<int>(length);
+}
 
 }  // namespace
 
@@ -23,8 +32,9 @@ CBasicString<T>::CBasicString() : m_pBuffer(new T[kInitialCapacity]()), m_nCapac
 template <typename T>
 CBasicString<T>::CBasicString(const T* src, int len) : CBasicString() {
     if (src == nullptr) return;
-    m_nLength = len == -1 ? LengthOf(src) : std::max(len, 0);
-    Reserve(m_nLength);
+    const int length = len == -1 ? LengthOf(src) : std::max(len, 0);
+    Reserve(length);
+    m_nLength = length;
     // The rest of the buffer is zero from its allocation.
     std::memcpy(m_pBuffer, src, static_cast<std::size_t>(m_nLength));
 }
@@ -72,6 +82,7 @@ int CBasicString<T>::Format(const T* fmt, ...) {
 
 template <typename T>
 void CBasicString<T>::Reserve(int len) {
+    if (len > kMaximumLength) throw std::bad_alloc();
     if (m_nCapacity >= len + 2) return;
     const int capacity = 2 * len + 2;
     T* const buffer = new T[static_cast<std::size_t>(capacity)]();
@@ -90,7 +101,7 @@ template <typename T>
 CBasicString<T>& CBasicString<T>::operator+=(const T* text) {
     if (text == nullptr) return *this;
     const int length = LengthOf(text);
-    Reserve(m_nLength + length);
+    Reserve(m_nLength + length);  // no overflow: neither is above half an int
     std::memcpy(m_pBuffer + m_nLength, text, static_cast<std::size_t>(length) + 1);
     m_nLength += length;
     return *this;

@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 #include <string.h>
 
+#include <limits>
+#include <new>
 #include <string>
 #include <type_traits>
 
@@ -193,6 +195,12 @@ TEST(BasicString, UpdateLengthMeasuresAWrittenBuffer) {
     strcpy(string.GetBuffer(), "written");
     string.UpdateLength();
     EXPECT_EQ(7, string.GetLength());
+}
+
+TEST(BasicString, ALengthWithoutACapacityIsALackOfMemory) {
+    for (const int length : {std::numeric_limits<int>::max(), std::numeric_limits<int>::max() / 2}) {
+        EXPECT_THROW(CString("hello", length), std::bad_alloc) << length;
+    }
 }
 
 TEST(BasicString, ItsTableHoldsTheCompleteAndTheDeletingDestructor) {
