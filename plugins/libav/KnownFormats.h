@@ -17,6 +17,7 @@ enum ELengthSource {
 // What a jump in a file of a format leaves of the timestamps.
 enum ETimesBehindJump {
     TJ_TRUE,      // they are the file's own
+    TJ_COUNTED,   // libavformat counts what the packets hold, or the file's index does
     TJ_BY_BYTES,  // worked out from bytes per second, which is right for PCM alone
     TJ_VAGUE,     // they need not be those of a linear read
 };
@@ -34,6 +35,9 @@ struct SKnownFormat {
     EFormatTrait m_eTrait = FT_NONE;
 
     bool IsBroadcast() const { return m_eTrait == FT_BROADCAST; }
+
+    // Whether a file has timestamps of its own: they may have gaps, and go back where another file was joined on.
+    bool HasOwnTimes() const { return m_eTimes == TJ_TRUE || m_eLength == LS_TIME; }
 };
 
 // Null for a format that is not read here: without sound, or one that sends the reader to other files.

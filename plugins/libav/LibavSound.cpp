@@ -72,6 +72,7 @@ bool CLibavSound::FindSamples() {
 bool CLibavSound::NextBlock() {
     if (m_track.Next()) {
         RequireSameFormat();
+        if (m_length.m_bByTimes && !m_track.HasSteadyTimes()) m_length = {};
         return true;
     }
     NoteEnd();

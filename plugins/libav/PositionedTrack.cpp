@@ -41,7 +41,10 @@ void CPositionedTrack::Restart() {
     }
 }
 
-void CPositionedTrack::BeginCount() { m_nBlockStart = m_nBlockFrames = 0; }
+void CPositionedTrack::BeginCount() {
+    m_nBlockStart = m_nBlockFrames = 0;
+    m_nStamps = 0;
+}
 
 bool CPositionedTrack::Next() {
     m_nBlockStart = BlockEnd();
@@ -50,15 +53,31 @@ bool CPositionedTrack::Next() {
     if (Block().sample_rate < 1) throw CDamage("sound without a sample rate");
     m_nBlockFrames = Block().nb_samples;
     if (!m_timeline) m_timeline.emplace(m_track->Container().Stream().time_base, Block().sample_rate);
-    if (m_bFromBeginning && HasStamp()) m_timeline->Learn({Block().pts, m_nBlockStart});
+    if (!m_bFromBeginning || !HasStamp()) return true;
+    m_timeline->Learn({Block().pts, m_nBlockStart});
+    NoteBreak({Block().pts, m_nBlockStart});
     return true;
+}
+
+bool CPositionedTrack::HasSteadyTimes() {
+    if (!m_steadiness) {
+        m_steadiness = m_track->Container().Format().HasOwnTimes() ? SteadinessOf(m_file) : STEADY;
+    }
+    return *m_steadiness != UNSTEADY;
+}
+
+// The first block may lack the encoder's delay.
+void CPositionedTrack::NoteBreak(const SStamp& stamp) {
+    const bool breaks = ++m_nStamps > 2 && !m_timeline->Continues(m_before, stamp);
+    if (breaks && m_steadiness == TAKEN_FOR_STEADY) m_steadiness = UNSTEADY;
+    m_before = stamp;
 }
 
 // A broadcast stamps its packets now and then. Between two stamps libavformat counts on, behind a jump from the wrong
 // place.
 bool CPositionedTrack::HasStamp() const {
     const bool own = !m_track->Container().Format().IsBroadcast() || Block().pkt_pos >= 0;
-    return own && Block().pts != AV_NOPTS_VALUE;
+    return own && m_timeline->IsPossible(Block().pts);
 }
 
 bool CPositionedTrack::LearnEnough() {
@@ -71,7 +90,7 @@ bool CPositionedTrack::HasTrueTimes() const {
     const ETimesBehindJump times = m_track->Container().Format().m_eTimes;
     const AVCodecID codec = m_track->Codec().codec_id;
     const bool pcm = codec >= AV_CODEC_ID_FIRST_AUDIO && codec < AV_CODEC_ID_ADPCM_IMA_QT;
-    return times == TJ_TRUE || (times == TJ_BY_BYTES && pcm);
+    return times == TJ_TRUE || times == TJ_COUNTED || (times == TJ_BY_BYTES && pcm);
 }
 
 bool CPositionedTrack::IsLossless() const {
@@ -81,7 +100,7 @@ bool CPositionedTrack::IsLossless() const {
 
 // A lossy codec needs what lies before: overlapping blocks, bits saved up for later, filters that settle.
 bool CPositionedTrack::Approach(std::int64_t position) {
-    if (!HasTrueTimes() || !LearnEnough()) return false;
+    if (!HasTrueTimes() || !HasSteadyTimes() || !LearnEnough()) return false;
     if (IsLossless() && ApproachFrom(position, position)) return true;
     const std::int64_t second = m_track->Codec().sample_rate;
     const std::int64_t distances[] = {second / 4, second, 4 * second};
@@ -147,10 +166,10 @@ std::optional<std::int64_t> CPositionedTrack::LateTime() {
 }
 
 std::optional<std::int64_t> CPositionedTrack::FindEnd() {
-    if (!HasTrueTimes() || !LearnEnough()) return {};
+    if (!HasTrueTimes() || !HasSteadyTimes() || !LearnEnough()) return {};
     const std::int64_t second = m_track->Codec().sample_rate;
     const std::optional<std::int64_t> late = LateTime();
-    if (!late) return {};
+    if (!late || !m_timeline->IsPossible(*late)) return {};
     const std::int64_t position = m_timeline->PositionNear(*late);
     if (position < kShortSeconds * second) {
         Restart();

@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "plugins/libav/SteadyTimes.h"
 #include "plugins/libav/Timeline.h"
 #include "plugins/libav/Track.h"
 
@@ -30,6 +31,10 @@ public:
     // then the place is lost until Restart.
     bool Approach(std::int64_t position);
 
+    // Whether the file's timestamps run on with its sound, as far as that is known: seen at the first question, or
+    // while reading a file that is too large to be looked through.
+    bool HasSteadyTimes();
+
     // Where the sound ends, by the timestamps of its end; none where they do not tell it to the frame. The place is
     // lost until Restart. Throws CDamage.
     std::optional<std::int64_t> FindEnd();
@@ -43,6 +48,7 @@ private:
     bool Jump(std::int64_t time);
     bool NextOfRun();
     void NoteStamp();
+    void NoteBreak(const SStamp& stamp);
     bool HasTrueTimes() const;
     std::optional<std::int64_t> LateTime();
 
@@ -52,8 +58,11 @@ private:
     std::int64_t m_nBlockStart = 0;  // behind a jump, counted from there
     std::int64_t m_nBlockFrames = 0;
     bool m_bFromBeginning = true;
-    std::vector<SStamp> m_vRun;  // blocks behind a jump whose timestamps agree
-    SStamp m_last{};             // the run's last block
-    int m_nUncounted = 0;        // packets behind a jump that are still to come
-    int m_nRefused = 0;          // packets since the jump
+    std::optional<ESteadiness> m_steadiness;  // none before the first question
+    std::vector<SStamp> m_vRun;               // blocks behind a jump whose timestamps agree
+    SStamp m_last{};                          // the run's last block
+    SStamp m_before{};                        // of the block before, from the beginning on
+    int m_nStamps = 0;                        // from the beginning on
+    int m_nUncounted = 0;                     // packets behind a jump that are still to come
+    int m_nRefused = 0;                       // packets since the jump
 };

@@ -3,5 +3,5 @@
 
 // The libraries' log and its level are the process's own. What they say about the files of this plug-in is kept back
 // context by context: this is added to the level of every message, which makes it less important than any that is
-// shown. The level's next byte would be a colour.
-constexpr int kSilentLevels = 128;
+// shown. A parser adds 127 to that, and the level's next byte would be a colour.
+constexpr int kSilentLevels = 64;

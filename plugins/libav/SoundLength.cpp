@@ -50,25 +50,27 @@ std::int64_t DeclaredLength(const std::shared_ptr<const CInputFile>& file, const
 }
 
 // A damaged end tells nothing here: the reading will report it.
-std::optional<std::int64_t> EndOf(const std::shared_ptr<const CInputFile>& file) {
+std::int64_t EndOf(CPositionedTrack& track) {
+    std::optional<std::int64_t> end;
     try {
-        return CPositionedTrack(file).FindEnd();
+        end = track.FindEnd();
     } catch (const std::runtime_error&) {
-        return {};
     }
+    track.Restart();
+    return end.value_or(0);
 }
 
 }  // namespace
 
-SSoundLength LengthOf(const std::shared_ptr<const CInputFile>& file, const CPositionedTrack& track) {
-    const CContainer& container = track.Track().Container();
-    const ELengthSource source = container.Format().m_eLength;
-    const std::int64_t told = FramesOf(track, container.Duration());
-    if (source == LS_FRAMES && told > 0) return {told, false, true, 0};
-    if (source == LS_TIME && told > 0) return {told, false, true, track.Block().sample_rate / kTimesPerSecond};
-    const std::int64_t end = EndOf(file).value_or(0);
-    if (source != LS_EDITS) return {end};
-    const std::int64_t declared = DeclaredLength(file, track);
+SSoundLength LengthOf(const std::shared_ptr<const CInputFile>& file, CPositionedTrack& track) {
+    const SKnownFormat& format = track.Track().Container().Format();
+    const std::int64_t told = FramesOf(track, track.Track().Container().Duration());
+    if (format.m_eLength == LS_FRAMES && told > 0 && track.HasSteadyTimes()) return {told, false, true};
+    if (format.m_eLength == LS_TIME && told > 0 && track.HasSteadyTimes()) {
+        return {told, false, true, track.Block().sample_rate / kTimesPerSecond};
+    }
+    const std::int64_t end = EndOf(track);
+    const std::int64_t declared = format.m_eLength == LS_EDITS ? DeclaredLength(file, track) : 0;
     const bool padded = declared > 0 && declared < end && end - declared <= kMostPadding;
-    return padded ? SSoundLength{declared, true} : SSoundLength{end};
+    return {padded ? declared : end, padded, false, 0, true};
 }

@@ -39,16 +39,22 @@ struct SLag {
 CTimeline::CTimeline(AVRational timeBase, int sampleRate)
     : m_fFramesPerUnit(av_q2d(timeBase) * sampleRate), m_bExact(IsExact(timeBase, sampleRate)) {}
 
+bool CTimeline::IsPossible(std::int64_t time) const {
+    constexpr std::int64_t kMostUnits = std::int64_t{1} << 60;
+    constexpr double kMostFrames = 1e14;
+    return time > -kMostUnits && time < kMostUnits && std::abs(FramesOf(time)) < kMostFrames;
+}
+
 void CTimeline::Learn(const SStamp& stamp) {
     if (KnowsEnough()) return;
     if (!m_vKnown.empty() && !Continues(m_vKnown.back(), stamp)) m_vKnown.clear();
     m_vKnown.push_back(stamp);
 }
 
-bool CTimeline::Continues(const SStamp& earlier, const SStamp& later) const {
+bool CTimeline::Continues(const SStamp& earlier, const SStamp& later, double doubt) const {
     const double lag =
         FramesOf(later.m_nTime - earlier.m_nTime) - static_cast<double>(later.m_nFrame - earlier.m_nFrame);
-    return std::abs(lag) <= 2 * m_fFramesPerUnit + 2;
+    return std::abs(lag) <= 2 * m_fFramesPerUnit + 2 + doubt;
 }
 
 std::int64_t CTimeline::TimeAt(std::int64_t position) const {

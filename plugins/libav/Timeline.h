@@ -20,11 +20,15 @@ class CTimeline {
 public:
     CTimeline(AVRational timeBase, int sampleRate);
 
-    // Each block in turn.
+    // Whether a time is one that a sound can have: not AV_NOPTS_VALUE, and no difference of two such times overflows.
+    bool IsPossible(std::int64_t time) const;
+
+    // Each block in turn; all times are possible ones.
     void Learn(const SStamp& stamp);
 
-    // Whether the timestamps of two blocks differ by what lies between the blocks.
-    bool Continues(const SStamp& earlier, const SStamp& later) const;
+    // Whether the timestamps of two blocks differ by what lies between the blocks; `doubt` is by how many frames they
+    // may be wrong beside their roundings.
+    bool Continues(const SStamp& earlier, const SStamp& later, double doubt = 0) const;
 
     // Whether more blocks would tell no more.
     bool KnowsEnough() const { return m_vKnown.size() >= (m_bExact ? 1 : kMostKnown); }

@@ -1,0 +1,16 @@
+// Whether timestamps run on with the sound.
+#pragma once
+
+#include <memory>
+
+#include "plugins/libav/InputFile.h"
+
+enum ESteadiness {
+    UNSTEADY,
+    STEADY,
+    TAKEN_FOR_STEADY,  // a large file, which is not looked through: that would take as long as reading it
+};
+
+// Reads all packets of the sound track and decodes but the first ones: a timestamp that is not as far from those before
+// as the frames between tell, behind a gap or where another recording was joined on, is no guide to a position.
+ESteadiness SteadinessOf(const std::shared_ptr<const CInputFile>& file);

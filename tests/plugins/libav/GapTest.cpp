@@ -1,0 +1,97 @@
+// Timestamps that are no guide to positions: with gaps, or going back where another recording was joined on.
+#include <filesystem>
+
+#include "tests/plugins/libav/DecoderUnderTest.h"
+#include "tests/plugins/libav/WrittenFiles.h"
+#include "tests/support/ScratchDirectory.h"
+
+namespace {
+
+constexpr std::uint64_t kPiece = 2000;
+
+struct SBrokenTimes {
+    const char* m_strName;
+    const char* m_strOptions;  // of the encoder
+};
+
+void PrintTo(const SBrokenTimes& file, std::ostream* out) { *out << file.m_strName; }
+
+// Eight seconds of sound.
+const std::string kSound = "ffmpeg -stream_loop 1 -i " + Media("source.wav") + " ";
+
+// No length but that which reading delivers, and the frames of a linear read behind each seek.
+void ExpectNoGuess(const std::string& path, std::uint64_t length) {
+    SSource source(path);
+    EXPECT_EQ(source.m_blocks->GetDataLength(), 0u);
+    const std::string linear = source.ReadOn();
+    const auto block = static_cast<std::uint64_t>(source.m_blocks->GetBlockSize());
+    EXPECT_EQ(source.m_strFailure, "");
+    EXPECT_GE(linear.size() / block, length);
+    EXPECT_EQ(source.m_blocks->GetDataLength(), linear.size() / block);
+    for (const std::uint64_t target : {length - kPiece, length / 2, length / 20}) {
+        ASSERT_TRUE(source.m_seekable->Seek(target, nullptr)) << target;
+        EXPECT_TRUE(source.ReadOn(kPiece * block) == linear.substr(target * block, kPiece * block)) << target;
+    }
+}
+
+std::string NameOf(const testing::TestParamInfo<SBrokenTimes>& parameter) {
+    return std::filesystem::path(parameter.param.m_strName).extension().string().substr(1) +
+           std::to_string(parameter.index);
+}
+
+class LibavGap : public testing::TestWithParam<SBrokenTimes> {
+protected:
+    CScratchDirectory m_scratch;
+};
+
+TEST_P(LibavGap, IsNotCountedAsSound) {
+    const std::string path = m_scratch / GetParam().m_strName;
+    RunTool(kSound + R"(-af 'asetpts=PTS+if(gt(T\,3)\,5/TB\,0)' )" + GetParam().m_strOptions + " " + path);
+    ExpectNoGuess(path, 350000);
+}
+
+INSTANTIATE_TEST_SUITE_P(Libav, LibavGap,
+                         testing::Values(SBrokenTimes{"x.mkv", "-c:a pcm_s16le"}, SBrokenTimes{"x.mka", "-c:a flac"},
+                                         SBrokenTimes{"x.m4a", "-c:a alac"}, SBrokenTimes{"x.flv", "-c:a aac"},
+                                         SBrokenTimes{"x.webm", "-c:a libopus"}, SBrokenTimes{"x.wma", "-c:a wmav2"},
+                                         SBrokenTimes{"x.ts", "-c:a ac3"}, SBrokenTimes{"x.vob", "-c:a mp2"},
+                                         SBrokenTimes{"x.nut", "-c:a pcm_s16le"}),
+                         NameOf);
+
+class LibavJoin : public LibavGap {};
+
+TEST_P(LibavJoin, HasAllItsSound) {
+    RunTool(kSound + GetParam().m_strOptions + " " + m_scratch / GetParam().m_strName);
+    const std::string whole = Content(m_scratch / GetParam().m_strName);
+    ExpectNoGuess(m_scratch.Write(GetParam().m_strName, whole + whole), 704000);
+}
+
+INSTANTIATE_TEST_SUITE_P(Libav, LibavJoin,
+                         testing::Values(SBrokenTimes{"x.ts", "-c:a aac"}, SBrokenTimes{"x.vob", "-c:a ac3"},
+                                         SBrokenTimes{"x.ogg", "-c:a libvorbis"}, SBrokenTimes{"x.flac", ""}),
+                         NameOf);
+
+// A few milliseconds at a time, as recordings by the clock lose or gain them.
+TEST_F(LibavGap, ThatGrowsSlowlyIsNotCountedAsSound) {
+    RunTool(kSound + "-af 'asetpts=PTS*1.01' -c:a flac " + m_scratch / "x.mka");
+    ExpectNoGuess(m_scratch / "x.mka", 350000);
+}
+
+// A large file is not looked through when it is opened.
+TEST_F(LibavGap, OfALargeFileIsSeenWhileReading) {
+    const std::string path = m_scratch / "x.m4a";
+    RunTool(kSound + R"(-af 'asetpts=PTS+if(gt(T\,3)\,5/TB\,0)' -c:a alac )" + path);
+    // A box of free space, which is a hole in the file.
+    constexpr std::uint64_t kFree = std::uint64_t{1} << 30;
+    const std::string movie = Content(path);
+    m_scratch.Write("x.m4a", movie + BigEndian(1, 4) + "free" + BigEndian(kFree, 8));
+    std::filesystem::resize_file(path, movie.size() + kFree);
+    SSource source(path);
+    EXPECT_NE(source.m_blocks->GetDataLength(), 0u);
+    source.ReadOn(140000 * 4);
+    EXPECT_EQ(source.m_blocks->GetDataLength(), 0u);
+    source.ReadOn();
+    EXPECT_EQ(source.m_blocks->GetDataLength(), 352802u);
+}
+
+}  // namespace
