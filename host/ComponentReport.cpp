@@ -21,7 +21,8 @@ namespace {
 // A target is opened to be asked; nothing is written before an encoder starts.
 constexpr const char* kUnwrittenPath = "/nonexistent/keloaudio.";
 
-std::string TypeText(EAudioComponentType type) {
+// As programs compare it.
+std::string TypeKey(EAudioComponentType type) {
     switch (type) {
         case ACT_COLLECTION:
             return "collection";
@@ -37,7 +38,7 @@ std::string TypeText(EAudioComponentType type) {
     return "type " + std::to_string(static_cast<unsigned int>(type));
 }
 
-std::string TextOf(const char* text) { return text != nullptr ? text : ""; }
+std::string TextOrEmpty(const char* text) { return text != nullptr ? text : ""; }
 
 std::vector<SSettingReport> SettingsOf(const std::string& owner, IUnknown* object) {
     std::vector<SSettingReport> reports;
@@ -45,9 +46,9 @@ std::vector<SSettingReport> SettingsOf(const std::string& owner, IUnknown* objec
     const int count = settings ? settings->GetSettingCount() : 0;
     RequireCount(owner, count, "settings");
     for (int i = 0; i < count; ++i) {
-        const std::string name = TextOf(settings->GetSettingName(i));
-        const std::string values = TextOf(settings->GetSettingValues(i));
-        if (!name.empty()) reports.push_back({name, values, TextOf(settings->GetSetting(name.c_str()))});
+        const std::string name = TextOrEmpty(settings->GetSettingName(i));
+        const std::string values = TextOrEmpty(settings->GetSettingValues(i));
+        if (!name.empty()) reports.push_back({name, values, TextOrEmpty(settings->GetSetting(name.c_str()))});
     }
     return reports;
 }
@@ -103,7 +104,7 @@ std::vector<std::string> ProtocolsOf(IAudioComponent& component) {
 
 std::string VendorOf(IAudioComponent& component) {
     const auto about = Face<IComponentAbout>(component, IID_IComponentAbout);
-    return about ? TextOf(about->GetVendor()) : "";
+    return about ? TextOrEmpty(about->GetVendor()) : "";
 }
 
 nlohmann::ordered_json SettingsJson(const std::vector<SSettingReport>& settings) {
@@ -133,7 +134,7 @@ SComponentPlace PlaceOf(const CPluginSession& session, IAudioComponent& componen
 
 SComponentReport ReportOn(const CPluginSession& session, IAudioComponent& component) {
     SComponentReport report;
-    report.m_strType = TypeText(component.GetType());
+    report.m_strType = TypeKey(component.GetType());
     report.m_strName = NameOf(component);
     report.m_strVendor = VendorOf(component);
     SComponentPlace place = PlaceOf(session, component);

@@ -9,23 +9,16 @@
 #include "host/validate/Outcome.h"
 #include "host/validate/Source.h"
 #include "host/validate/Steps.h"
-#include "stream/SourceDetails.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-std::string TagText(const char* text) { return text == nullptr ? "" : text; }
-
 SDecodedFile ReadAll(CComPtr<IUnknown> stream) {
     CSource source(std::move(stream));
     SDecodedFile decoded;
     decoded.m_format = source.Format();
-    decoded.m_vTags.resize(5);
-    if (const auto tags = source.Face<IInfoReader>(IID_IInfoReader)) {
-        decoded.m_vTags = {TagText(tags->GetTitle()), TagText(tags->GetArtist()), TagText(tags->GetAlbum()),
-                           TagText(tags->GetYear()), TagText(tags->GetGenre())};
-    }
+    if (const auto tags = source.Face<IInfoReader>(IID_IInfoReader)) decoded.m_tags = ReadTags(*tags);
     source.Start();
     decoded.m_sound = source.ReadToEnd();
     source.End();

@@ -3,15 +3,15 @@
 
 #include <optional>
 #include <string>
-#include <vector>
 
+#include "host/Tags.h"
 #include "host/validate/SampleSound.h"
 #include "host/validate/Trial.h"
 
 struct SDecodedFile {
     SWavFormat m_format{};
     CBytes m_sound;
-    std::vector<std::string> m_vTags;  // by ETag; empty texts where the decoder tells none
+    CTagTexts m_tags;
 
     std::int64_t Frames() const { return static_cast<std::int64_t>(m_sound.size()) / BlockSizeOf(m_format); }
 };

@@ -4,7 +4,6 @@
 #include <fenv.h>
 #include <locale.h>
 #include <signal.h>
-#include <string.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <xmmintrin.h>
@@ -16,14 +15,11 @@
 #include <iterator>
 #include <vector>
 
+#include "host/validate/SignalName.h"
+
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string NameOfSignal(int number) {
-    const char* const name = sigabbrev_np(number);
-    return name == nullptr ? "signal " + std::to_string(number) : std::string("SIG") + name;
-}
 
 std::string JoinLines(const CStateLines& from, const CStateLines& without) {
     std::vector<std::string> lines;
@@ -70,7 +66,7 @@ CStateLines SignalActions() {
         struct sigaction action = {};
         if (sigaction(number, nullptr, &action) != 0) continue;
         const auto handler = reinterpret_cast<std::uintptr_t>(action.sa_handler);
-        lines.insert(NameOfSignal(number) + (handler == 0 ? " by default" : " with a handler or ignored"));
+        lines.insert(SignalName(number) + (handler == 0 ? " by default" : " with a handler or ignored"));
     }
     return lines;
 }
@@ -81,7 +77,7 @@ CStateLines BlockedSignals() {
     sigemptyset(&blocked);
     sigprocmask(SIG_SETMASK, nullptr, &blocked);
     for (int number = 1; number < NSIG; ++number) {
-        if (sigismember(&blocked, number) == 1) lines.insert(NameOfSignal(number));
+        if (sigismember(&blocked, number) == 1) lines.insert(SignalName(number));
     }
     return lines;
 }

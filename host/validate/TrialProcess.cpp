@@ -1,10 +1,10 @@
 // A process of a check's own: its crash ends the check, and its hang is cut off.
 #include "host/validate/TrialProcess.h"
 
-#include <string.h>
 #include <sys/wait.h>
 
 #include "host/validate/GuardedRun.h"
+#include "host/validate/SignalName.h"
 #include "host/validate/Steps.h"
 
 namespace {
@@ -19,11 +19,6 @@ std::function<void()> Reporting(CReportPage& page, const std::function<void()>& 
 }
 
 std::string WhileText(const std::string& step) { return step.empty() ? "" : " in " + step; }
-
-std::string SignalText(int signal) {
-    const char* const name = sigabbrev_np(signal);
-    return name == nullptr ? "signal " + std::to_string(signal) : std::string("SIG") + name;
-}
 
 }  // namespace
 
@@ -42,7 +37,7 @@ SOutcome CTrialProcess::CrashOutcome() const {
     const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - m_begin;
     const int status = m_process.GetStatus();
     const std::string how = WIFSIGNALED(status)
-                                ? SignalText(WTERMSIG(status))
+                                ? SignalName(WTERMSIG(status))
                                 : "the process ended with status " + std::to_string(WEXITSTATUS(status));
     return {EVerdict::Crashed, how + WhileText(m_page.GetStep()), time.count()};
 }

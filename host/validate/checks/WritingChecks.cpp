@@ -201,7 +201,7 @@ void KeepsTags(CTrial& trial) {
         CSink(target).WriteSample();
         const SDecodedFile decoded = *DecodeFile(trial, file.m_strPath);
         for (const ETag tag : set) {
-            const std::string& seen = decoded.m_vTags[tag];
+            const std::string& seen = decoded.m_tags[tag];
             Expect(seen == TextFor(tag), "the tag \"" + TextFor(tag) + "\" comes back as \"" + seen + "\"");
         }
     });
