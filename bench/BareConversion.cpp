@@ -64,10 +64,14 @@ CFile Create(const char* path, const SF_INFO& source, const SRequest& request) {
     return file;
 }
 
+void Write(SNDFILE* target, const float* block, sf_count_t frames) {
+    if (sf_writef_float(target, block, frames) != frames) throw std::runtime_error(sf_strerror(target));
+}
+
 void Copy(SNDFILE* source, SNDFILE* target, int channels) {
     std::vector<float> block(static_cast<std::size_t>(kBlockFrames * channels));
     while (const sf_count_t frames = sf_readf_float(source, block.data(), kBlockFrames)) {
-        if (sf_writef_float(target, block.data(), frames) != frames) throw std::runtime_error(sf_strerror(target));
+        Write(target, block.data(), frames);
     }
 }
 
@@ -82,9 +86,11 @@ void Resample(SNDFILE* source, SNDFILE* target, const SF_INFO& info, const SRequ
         const auto frames = static_cast<std::size_t>(sf_readf_float(source, input.data(), kBlockFrames));
         std::size_t made = 0;
         do {
-            soxr_process(resampler.get(), frames > 0 ? input.data() : nullptr, frames, nullptr, output.data(),
-                         output.size() / channels, &made);
-            if (made > 0) sf_writef_float(target, output.data(), static_cast<sf_count_t>(made));
+            if (soxr_process(resampler.get(), frames > 0 ? input.data() : nullptr, frames, nullptr, output.data(),
+                             output.size() / channels, &made) != nullptr) {
+                throw std::runtime_error("libsoxr cannot resample");
+            }
+            if (made > 0) Write(target, output.data(), static_cast<sf_count_t>(made));
         } while (frames == 0 && made > 0);
         more = frames > 0;
     }

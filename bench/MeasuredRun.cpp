@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <cstring>
 
 namespace {
 
@@ -27,10 +28,16 @@ int main(int argc, char** argv) {
     pid_t child = 0;
     int status = 0;
     rusage usage{};
-    if (posix_spawnp(&child, argv[1], &actions, nullptr, argv + 1, environ) != 0) return 127;
+    const int error = posix_spawnp(&child, argv[1], &actions, nullptr, argv + 1, environ);
+    if (error != 0) {
+        std::fprintf(stderr, "kelo_measured_run: %s: %s\n", argv[1], std::strerror(error));
+        return 127;
+    }
     wait4(child, &status, 0, &usage);
     const std::chrono::duration<double> wall = std::chrono::steady_clock::now() - begin;
     posix_spawn_file_actions_destroy(&actions);
     std::printf("%f %f %ld\n", Seconds(usage.ru_utime) + Seconds(usage.ru_stime), wall.count(), usage.ru_maxrss);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 126;
+    if (WIFEXITED(status)) return WEXITSTATUS(status);
+    std::fprintf(stderr, "kelo_measured_run: %s: %s\n", argv[1], strsignal(WTERMSIG(status)));
+    return 126;
 }

@@ -8,6 +8,8 @@
 
 #include "com/AudioComponent.h"
 #include "com/ComPtr.h"
+#include "com/ComponentEnum.h"
+#include "com/InterfaceIds.h"
 #include "pluginmgr/GetAudioPluginMgr.h"
 #include "tests/support/ScratchDirectory.h"
 
@@ -51,7 +53,10 @@ static void BareLoader(benchmark::State& state) {
             void* const module = dlopen(path.c_str(), RTLD_NOW);
             if (module == nullptr) return state.SkipWithError(dlerror());
             IAudioComponent* component = nullptr;
-            reinterpret_cast<CGetPrimary*>(dlsym(module, "KELO_PLUGIN_GetPrimaryAudioObject"))(&component);
+            void* const entry = dlsym(module, "KELO_PLUGIN_GetPrimaryAudioObject");
+            if (entry == nullptr || !reinterpret_cast<CGetPrimary*>(entry)(&component)) {
+                return state.SkipWithError("a plug-in has no component");
+            }
             benchmark::DoNotOptimize(dlsym(module, "KELO_PLUGIN_ReadyToFinish"));
             modules.push_back(module);
         }
@@ -61,11 +66,21 @@ static void BareLoader(benchmark::State& state) {
 }
 BENCHMARK(BareLoader)->Apply(Counts);
 
+// Ahead of what is timed; true when every plug-in is there, and goes again.
+static bool LoadsEach(IAudioPluginMgr& manager, std::int64_t plugins) {
+    manager.LoadPlugins();
+    auto components = CComPtr<IComponentEnum>::Query(&manager, IID_IComponentEnum);
+    const bool all = components && components->GetCount() == plugins;
+    components.Reset();
+    return manager.UnloadPlugins() && all;
+}
+
 static void LoadAndUnloadPlugins(benchmark::State& state) {
     const CManyPlugins plugins(state.range(0));
     CComPtr<IAudioPluginMgr> manager;
     if (GetAudioPluginMgr(manager.Out()) != 1) return state.SkipWithError("no manager");
     manager->SetPluginDirectory(plugins.Directory().c_str());
+    if (!LoadsEach(*manager, state.range(0))) return state.SkipWithError("not every plug-in is loaded");
     for (auto _ : state) {
         manager->LoadPlugins();
         if (!manager->UnloadPlugins()) return state.SkipWithError("the plug-ins stay loaded");
