@@ -9,6 +9,7 @@
 #include "portable/Export.h"
 #include "tests/plugins/sndfile/AudioFiles.h"
 #include "tests/plugins/sndfile/PluginUnderTest.h"
+#include "tests/support/ExpectedLeaks.h"
 #include "tests/support/ScratchDirectory.h"
 
 namespace {
@@ -66,6 +67,7 @@ TEST(SndfileDescriptors, OfFilesThatAreRefusedAreClosedOnce) {
     SSource(kVoice).m_process->Start(nullptr);
     for (const std::string& content : contents) {
         const std::string path = scratch.Write("x.wav", content);
+        const CExpectedLeaks ofLibvorbis;
         const SDescriptors before;
         EXPECT_NE(RefusalOf(path), "") << &content - contents;
         EXPECT_EQ(SDescriptors(), before) << &content - contents;
