@@ -61,7 +61,10 @@ bool CPositionedTrack::Next() {
 
 bool CPositionedTrack::HasSteadyTimes() {
     if (!m_steadiness) {
-        m_steadiness = m_track->Container().Format().HasOwnTimes() ? SteadinessOf(m_file) : STEADY;
+        const bool own = m_track->Container().Format().HasOwnTimes();
+        const SSteadiness found = own ? SteadinessOf(m_file) : SSteadiness{STEADY};
+        m_steadiness = found.m_eSteadiness;
+        m_timeline->LimitGrid(found.m_nGrid);
     }
     return *m_steadiness != UNSTEADY;
 }

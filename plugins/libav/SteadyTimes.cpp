@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <numeric>
 #include <optional>
 #include <stdexcept>
 #include <vector>
@@ -147,12 +148,23 @@ public:
         const SStamp stamp{packet.m_nTime, m_nFrames};
         const std::int64_t frames = m_way ? m_way->FramesOf(packet) : 0;
         m_nFrames += frames;
+        // The sound's last packet may be short.
+        m_nGrid = std::gcd(m_nGrid, m_nLastFrames);
+        m_nLastFrames = m_nPackets++ > 0 ? frames : 0;
         m_nMostFrames = std::max(m_nMostFrames, frames);
         return !packet.m_bOwnTime || !m_timeline.IsPossible(packet.m_nTime) || AcceptsStamp(stamp);
     }
 
+    std::int64_t Grid() const { return m_nGrid; }
+
 private:
+    // libavformat may ascribe a timestamp to the packet before. What breaks off stays so.
     bool AcceptsStamp(const SStamp& stamp) {
+        m_nOutOfLine = IsInLine(stamp) ? 0 : m_nOutOfLine + 1;
+        return m_nOutOfLine < 2;
+    }
+
+    bool IsInLine(const SStamp& stamp) {
         if (++m_nStamps <= 2) m_base = stamp;
         const SStamp last = m_last;
         m_last = stamp;
@@ -183,14 +195,18 @@ private:
     bool m_bVague;
     std::int64_t m_nFrames = 0;
     std::int64_t m_nMostFrames = 0;  // of a packet
+    std::int64_t m_nLastFrames = 0;
+    std::int64_t m_nGrid = 0;
+    std::int64_t m_nPackets = 0;
     int m_nStamps = 0;
+    int m_nOutOfLine = 0;  // stamps in turn
     SStamp m_base{};
     SStamp m_step{};
     SStamp m_last{};
     std::int64_t m_nLongest = 0;
 };
 
-bool RunsOn(CPacketScan& scan) {
+SSteadiness LookThrough(CPacketScan& scan) {
     std::vector<SPacket> packets;
     std::optional<SPacket> packet;
     while (packets.size() < kDecodedPackets && (packet = scan.Next())) {
@@ -198,30 +214,29 @@ bool RunsOn(CPacketScan& scan) {
         scan.Decode();
     }
     // So short a sound has no two places.
-    if (!packet && packets.size() < 3) return true;
-    if (scan.Rate() < 1) return false;
+    if (!packet && packets.size() < 3) return {STEADY};
+    if (scan.Rate() < 1) return {UNSTEADY};
     const std::optional<SWay> way = FindWay(packets, scan.Blocks(), !packet);
     if (!way || way->m_pTold != &SPacket::m_nByHead) scan.LeaveHeads();
     const CContainer& container = scan.Container();
     CStampLine line(CTimeline(container.Stream().time_base, scan.Rate()), way, container.Format().m_eTimes == TJ_VAGUE);
     const auto accepts = [&line](const SPacket& next) { return line.Accepts(next); };
-    if (!std::all_of(packets.begin(), packets.end(), accepts)) return false;
-    while ((packet = scan.Next()) && line.Accepts(*packet)) {
+    if (!std::all_of(packets.begin(), packets.end(), accepts)) return {UNSTEADY};
+    while ((packet = scan.Next())) {
+        if (!line.Accepts(*packet)) return {UNSTEADY};
     }
-    return !packet;
+    return {STEADY, line.Grid()};
 }
 
 }  // namespace
 
 // A broadcast breaks off where the reception does.
-ESteadiness SteadinessOf(const std::shared_ptr<const CInputFile>& file) {
+SSteadiness SteadinessOf(const std::shared_ptr<const CInputFile>& file) {
     try {
         CPacketScan scan(file);
-        if (CFileBytes(file->Descriptor()).Size() > kMostBytes) {
-            return scan.Container().Format().IsBroadcast() ? UNSTEADY : TAKEN_FOR_STEADY;
-        }
-        return RunsOn(scan) ? STEADY : UNSTEADY;
+        if (CFileBytes(file->Descriptor()).Size() <= kMostBytes) return LookThrough(scan);
+        return {scan.Container().Format().IsBroadcast() ? UNSTEADY : TAKEN_FOR_STEADY};
     } catch (const std::runtime_error&) {
-        return UNSTEADY;
+        return {UNSTEADY};
     }
 }

@@ -1,6 +1,7 @@
 // Whether timestamps run on with the sound.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 
 #include "plugins/libav/InputFile.h"
@@ -11,6 +12,11 @@ enum ESteadiness {
     TAKEN_FOR_STEADY,  // a large file, which is not looked through: that would take as long as reading it
 };
 
+struct SSteadiness {
+    ESteadiness m_eSteadiness;
+    std::int64_t m_nGrid = 0;  // frames of which every block has a multiple, 0 when unknown
+};
+
 // Reads all packets of the sound track and decodes but the first ones: a timestamp that is not as far from those before
 // as the frames between tell, behind a gap or where another recording was joined on, is no guide to a position.
-ESteadiness SteadinessOf(const std::shared_ptr<const CInputFile>& file);
+SSteadiness SteadinessOf(const std::shared_ptr<const CInputFile>& file);

@@ -97,7 +97,7 @@ std::optional<std::int64_t> CTimeline::LocateBySteps(const std::vector<SStamp>& 
 std::optional<std::int64_t> CTimeline::LocateByTime(const std::vector<SStamp>& run) const {
     const std::size_t first = m_bExact || m_vKnown.size() < 2 ? 0 : 1;
     SLag known;
-    std::int64_t grid = 0;
+    std::int64_t grid = m_nGrid;
     for (std::size_t i = first; i < m_vKnown.size(); ++i) {
         known.Include(FramesOf(m_vKnown[i].m_nTime) - static_cast<double>(m_vKnown[i].m_nFrame));
         grid = std::gcd(grid, m_vKnown[i].m_nFrame - m_vKnown[first].m_nFrame);
@@ -107,9 +107,13 @@ std::optional<std::int64_t> CTimeline::LocateByTime(const std::vector<SStamp>& r
     for (const SStamp& stamp : run) here.Include(FramesOf(stamp.m_nTime) - static_cast<double>(stamp.m_nFrame));
 
     const double unit = m_bExact ? 0.0 : m_fFramesPerUnit;
-    if (known.Doubt(unit) + here.Doubt(unit) >= static_cast<double>(grid) / 2) return {};
+    const double doubt = known.Doubt(unit) + here.Doubt(unit);
+    if (doubt >= static_cast<double>(grid) / 2) return {};
     const double estimate = here.Middle() - known.Middle();
     const double steps =
         std::round((estimate - static_cast<double>(m_vKnown[first].m_nFrame)) / static_cast<double>(grid));
-    return m_vKnown[first].m_nFrame + static_cast<std::int64_t>(steps) * grid;
+    const std::int64_t position = m_vKnown[first].m_nFrame + static_cast<std::int64_t>(steps) * grid;
+    // Blocks of other lengths than the first ones may have led away from where blocks begin by those.
+    if (std::abs(static_cast<double>(position) - estimate) > doubt + 2) return {};
+    return position;
 }

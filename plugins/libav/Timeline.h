@@ -26,6 +26,9 @@ public:
     // Each block in turn; all times are possible ones.
     void Learn(const SStamp& stamp);
 
+    // Every block of the sound begins at a multiple of `grid` frames behind another; 0 when that is not known.
+    void LimitGrid(std::int64_t grid) { m_nGrid = grid; }
+
     // Whether the timestamps of two blocks differ by what lies between the blocks; `doubt` is by how many frames they
     // may be wrong beside their roundings.
     bool Continues(const SStamp& earlier, const SStamp& later, double doubt = 0) const;
@@ -55,5 +58,6 @@ private:
 
     double m_fFramesPerUnit;
     bool m_bExact;  // every position has a timestamp of its own
+    std::int64_t m_nGrid = 0;
     std::vector<SStamp> m_vKnown;
 };

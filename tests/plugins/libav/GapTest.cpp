@@ -71,6 +71,20 @@ INSTANTIATE_TEST_SUITE_P(Libav, LibavJoin,
                                          SBrokenTimes{"x.ogg", "-c:a libvorbis"}, SBrokenTimes{"x.flac", ""}),
                          NameOf);
 
+// Long blocks alone at the beginning, and then short ones among them: a number that is no multiple of the first blocks.
+TEST_F(LibavGap, IsNotSeenInBlocksOfOtherLengths) {
+    RunTool(kSound + R"(-af 'volume=if(gt(mod(t\,3)\,1.5)\,1\,0.02):eval=frame' -c:a libvorbis )" +
+            m_scratch / "x.mka");
+    SSource source(m_scratch / "x.mka");
+    const std::uint64_t length = source.m_blocks->GetDataLength();
+    const std::string linear = source.ReadOn();
+    EXPECT_EQ(length, linear.size() / 4);
+    for (const std::uint64_t target : {length - kPiece, length / 2, length / 20}) {
+        ASSERT_TRUE(source.m_seekable->Seek(target, nullptr)) << target;
+        EXPECT_TRUE(source.ReadOn(kPiece * 4) == linear.substr(target * 4, kPiece * 4)) << target;
+    }
+}
+
 // A few milliseconds at a time, as recordings by the clock lose or gain them.
 TEST_F(LibavGap, ThatGrowsSlowlyIsNotCountedAsSound) {
     RunTool(kSound + "-af 'asetpts=PTS*1.01' -c:a flac " + m_scratch / "x.mka");

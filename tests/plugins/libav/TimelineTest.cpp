@@ -64,6 +64,24 @@ TEST(LibavTimeline, MillisecondsTellTheBlockAmongShortAndLongOnes) {
     }
 }
 
+// Short blocks have led away from where blocks began.
+TEST(LibavTimeline, PlaceWhereNoBlockBeganSoFarTellsNothing) {
+    CTimeline timeline = Taught(kMilliseconds, {1024}, InMilliseconds);
+    const std::vector<SStamp> run = RunFrom(500 * 1024 + 512, 60, 1024, InMilliseconds);
+    EXPECT_FALSE(timeline.Locate(run));
+    timeline.LimitGrid(64);
+    EXPECT_EQ(timeline.Locate(run), 500 * 1024 + 512);
+}
+
+TEST(LibavTimeline, TimesThatNoSoundHasAreNotPossible) {
+    const CTimeline timeline(kMilliseconds, kRate);
+    for (const std::int64_t time : {INT64_MIN, INT64_MAX, INT64_MAX / 2, std::int64_t{1} << 59}) {
+        EXPECT_FALSE(timeline.IsPossible(time)) << time;
+    }
+    EXPECT_TRUE(timeline.IsPossible(-5));
+    EXPECT_TRUE(timeline.IsPossible(std::int64_t{1000} * 3600 * 24 * 365));
+}
+
 TEST(LibavTimeline, TooFewBlocksOfAnyLengthTellNothing) {
     const CTimeline timeline = Taught(kMilliseconds, {64, 65, 66, 67, 68}, InMilliseconds);
     EXPECT_FALSE(timeline.Locate(RunFrom(123456, 5, 64, InMilliseconds)));
