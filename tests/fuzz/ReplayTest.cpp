@@ -19,7 +19,7 @@ struct SReplay {
 SReplay Replay(const std::string& arguments) {
     const CScratchDirectory scratch;
     const std::string output = scratch / "err";
-    const int status = std::system((std::string(KELO_REPLAY) + ' ' + arguments + " 2>" + output).c_str());
+    const int status = std::system(("'" KELO_REPLAY "' " + arguments + " 2>" + output).c_str());
     std::ifstream stream(output);
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1,
             {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()}};

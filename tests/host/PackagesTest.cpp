@@ -28,8 +28,8 @@ protected:
 
     // Requires the packages and says "done" afterwards, with nothing but the stand-ins on the path.
     SRunResult Require(const std::string& packages) const {
-        const std::string script = "unset DEBIAN_FRONTEND; set -euo pipefail; source " KELO_SOURCE_DIR
-                                   "/cmake/packages.sh; PATH=" +
+        const std::string script = "unset DEBIAN_FRONTEND; set -euo pipefail; source '" KELO_SOURCE_DIR
+                                   "/cmake/packages.sh'; PATH=" +
                                    m_scratch / "bin" + "; require_packages " + packages + "; echo done";
         return RunProgram({"/bin/bash", "-c", script});
     }

@@ -62,11 +62,11 @@ TEST_P(Stranger, BuildsWithCMake) {
 }
 
 TEST_P(Stranger, BuildsWithPkgConfig) {
-    ASSERT_NO_FATAL_FAILURE(RunLine("-std=c++17 " KELO_FIXTURES "/StrangersDecoder.cpp "
+    ASSERT_NO_FATAL_FAILURE(RunLine("-std=c++17 '" KELO_FIXTURES "/StrangersDecoder.cpp' "
                                     "$(pkg-config --cflags --libs keloaudiopluginmgr-plugin) -o " +
                                     Quoted(Work() + "/plugins/strangers_decoder.so")));
-    ASSERT_NO_FATAL_FAILURE(RunLine("-std=c++14 " KELO_FIXTURES
-                                    "/ListHost.cpp $(pkg-config --cflags --libs keloaudiopluginmgr) "
+    ASSERT_NO_FATAL_FAILURE(RunLine("-std=c++14 '" KELO_FIXTURES
+                                    "/ListHost.cpp' $(pkg-config --cflags --libs keloaudiopluginmgr) "
                                     "-Wl,-rpath,$(pkg-config --variable=libdir keloaudiopluginmgr) -o " +
                                     Quoted(Work() + "/list_host")));
     ExpectListedByBothHosts();

@@ -10,7 +10,7 @@
 namespace {
 
 TEST(CurlPlugin, LibcurlIsNotNeededToLoadIt) {
-    const std::string dynamic = RunCommand(KELO_READELF " -d " KELO_CURL_PLUGIN).m_strOutput;
+    const std::string dynamic = RunCommand(KELO_READELF " -d " + Quoted(KELO_CURL_PLUGIN)).m_strOutput;
     EXPECT_THAT(dynamic, testing::HasSubstr("[libKeloAudioPluginMgr.so.0]"));
     EXPECT_THAT(dynamic, testing::Not(testing::HasSubstr("libcurl")));
 }

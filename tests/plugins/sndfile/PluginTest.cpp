@@ -25,7 +25,7 @@ TEST(SndfilePlugin, ExportsItsTwoEntryPointsAlone) {
     CScratchDirectory scratch;
     const std::string list = scratch / "symbols";
     ASSERT_EQ(
-        std::system(("nm -D --defined-only --format=just-symbols " KELO_SNDFILE_PLUGIN " | sort > " + list).c_str()),
+        std::system(("nm -D --defined-only --format=just-symbols '" KELO_SNDFILE_PLUGIN "' | sort > " + list).c_str()),
         0);
     EXPECT_EQ(Content(list), "KELO_PLUGIN_GetPrimaryAudioObject\nKELO_PLUGIN_ReadyToFinish\n");
 }
@@ -33,7 +33,7 @@ TEST(SndfilePlugin, ExportsItsTwoEntryPointsAlone) {
 TEST(SndfilePlugin, NeedsNothingOfGtk) {
     CScratchDirectory scratch;
     const std::string list = scratch / "needed";
-    ASSERT_EQ(std::system(("readelf -d " KELO_SNDFILE_PLUGIN " | grep NEEDED > " + list).c_str()), 0);
+    ASSERT_EQ(std::system(("readelf -d '" KELO_SNDFILE_PLUGIN "' | grep NEEDED > " + list).c_str()), 0);
     EXPECT_NE(Content(list).find("[libsndfile.so.1]"), std::string::npos);
     for (const char* const library : {"libgtk", "libgdk", "libglib", "libgobject"}) {
         EXPECT_EQ(Content(list).find(library), std::string::npos) << library;

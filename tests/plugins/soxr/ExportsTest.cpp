@@ -17,14 +17,14 @@ std::string OutputOf(const std::string& command) {
 }
 
 TEST(SoxrExports, OnlyTheEntrySymbolsAreShown) {
-    std::istringstream lines(OutputOf(KELO_NM " -D --defined-only " KELO_SOXR_PLUGIN));
+    std::istringstream lines(OutputOf(KELO_NM " -D --defined-only '" KELO_SOXR_PLUGIN "'"));
     std::set<std::string> names;
     for (std::string line; std::getline(lines, line);) names.insert(line.substr(line.rfind(' ') + 1));
     EXPECT_EQ(names, (std::set<std::string>{"KELO_PLUGIN_GetPrimaryAudioObject", "KELO_PLUGIN_ReadyToFinish"}));
 }
 
 TEST(SoxrExports, NothingOfGtkIsNeeded) {
-    const std::string dynamic = OutputOf(KELO_READELF " -d " KELO_SOXR_PLUGIN);
+    const std::string dynamic = OutputOf(KELO_READELF " -d '" KELO_SOXR_PLUGIN "'");
     EXPECT_NE(dynamic.find("[libsoxr.so.0]"), std::string::npos) << dynamic;
     for (const char* const library : {"libgtk", "libgdk", "libglib", "libgobject"}) {
         EXPECT_EQ(dynamic.find(library), std::string::npos) << library;
