@@ -38,7 +38,7 @@ std::vector<std::string> ComplaintsAbout(const std::vector<std::string>& headers
     settings += "\nOUTPUT_DIRECTORY = " + scratch.Path().string();
     settings += "\nWARN_LOGFILE = " + (scratch / "log.txt");
     settings += "\nGENERATE_HTML = NO\nGENERATE_XML = YES\nINPUT =";
-    for (const std::string& header : headers) settings += " " + header;
+    for (const std::string& header : headers) settings += " \"" + header + "\"";
     const SCommandResult result =
         RunCommand(Quoted(KELO_DOXYGEN) + " " + Quoted(scratch.Write("Doxyfile", settings + "\n")) + " 2>&1");
     EXPECT_EQ(result.m_nStatus, 0) << result.m_strOutput;
