@@ -31,12 +31,12 @@ std::set<std::string> ExtensionsOf(const CComPtr<IAudioComponent>& component) {
 }
 
 TEST(LibavPlugin, ExportsItsTwoEntryPointsAlone) {
-    EXPECT_EQ(OutputOf("nm -D --defined-only --format=just-symbols " KELO_LIBAV_PLUGIN " | sort"),
+    EXPECT_EQ(OutputOf("nm -D --defined-only --format=just-symbols '" KELO_LIBAV_PLUGIN "' | sort"),
               "KELO_PLUGIN_GetPrimaryAudioObject\nKELO_PLUGIN_ReadyToFinish\n");
 }
 
 TEST(LibavPlugin, NeedsNoneOfTheLibrariesToBeLoaded) {
-    EXPECT_THAT(OutputOf("readelf -d " KELO_LIBAV_PLUGIN), testing::Not(testing::HasSubstr("[libav")));
+    EXPECT_THAT(OutputOf("readelf -d '" KELO_LIBAV_PLUGIN "'"), testing::Not(testing::HasSubstr("[libav")));
 }
 
 TEST(LibavPlugin, LibrariesComeWithTheFirstFileAndStayOutOfTheGlobalScope) {
