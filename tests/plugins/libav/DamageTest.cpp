@@ -124,7 +124,7 @@ TEST_F(LibavDamage, PieceOutOfABroadcastIsNotDamaged) {
 }
 
 TEST_F(LibavDamage, SoundThatChangesItsFormatSaysSo) {
-    RunTool("ffmpeg -i " + Media("source.wav") + " -t 0.4 -ar 48000 -ac 1 -c:a ac3 " + m_scratch / "b.ac3");
+    RunTool("ffmpeg -i '" + Media("source.wav") + "' -t 0.4 -ar 48000 -ac 1 -c:a ac3 " + m_scratch / "b.ac3");
     SSource source(m_scratch.Write("x.ac3", Content(Media("one.ac3")) + Content(m_scratch / "b.ac3")));
     EXPECT_GE(source.ReadOn().size(), 176640u * 4);
     EXPECT_THAT(source.m_strFailure, testing::EndsWith("the sound changes from 44100 Hz with 2 channels to 48000 Hz "

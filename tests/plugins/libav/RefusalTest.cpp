@@ -117,7 +117,7 @@ TEST_F(LibavRefusal, SoundWithoutASampleRateSaysSo) {
         return BigEndian(bits, 8);
     };
     for (const std::string name : {"x.mkv", "x.caf"}) {
-        RunTool("ffmpeg -i " + Media("source.wav") + " -t 0.1 -c:a pcm_s16be " + m_scratch / name);
+        RunTool("ffmpeg -i '" + Media("source.wav") + "' -t 0.1 -c:a pcm_s16be " + m_scratch / name);
         const std::string whole = Content(m_scratch / name);
         for (const double rate : {0.0, 0.4}) {
             std::string broken = whole;

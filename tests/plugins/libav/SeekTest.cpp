@@ -85,7 +85,7 @@ TEST(LibavSeek, BeyondTheEndIsRefusedAndChangesNothing) {
 
 TEST(LibavSeek, BeyondAnEndThatIsNotKnownIsRefusedAndChangesNothing) {
     CScratchDirectory scratch;
-    RunTool("ffmpeg -i " + Media("source.wav") + " -t 0.5 -strict -2 -c:a dca " + scratch / "x.wav");
+    RunTool("ffmpeg -i '" + Media("source.wav") + "' -t 0.5 -strict -2 -c:a dca " + scratch / "x.wav");
     SSource source(scratch / "x.wav");
     ASSERT_EQ(source.m_blocks->GetDataLength(), 0u);
     ASSERT_TRUE(source.m_seekable->Seek(20000, nullptr));

@@ -31,7 +31,7 @@ protected:
 
 TEST_P(LibavTags, AreReadAsUtf8) {
     const std::string path = m_scratch / GetParam();
-    RunTool("ffmpeg -i " + Media("source.wav") + " -t 0.3" + kTags + path);
+    RunTool("ffmpeg -i '" + Media("source.wav") + "' -t 0.3" + kTags + path);
     EXPECT_EQ(TagsOf(path), "Größe 大|Künstler|Платье|2004|Jazz");
 }
 
@@ -41,7 +41,7 @@ INSTANTIATE_TEST_SUITE_P(Libav, LibavTags,
 
 TEST(LibavTag, SetsThatNameNoCharacterSetAreLatin1UnlessTheyAreUtf8) {
     CScratchDirectory scratch;
-    RunTool("ffmpeg -i " + Media("video.avi") + " -t 0.5 -c copy -metadata title=Cafe.! " + scratch / "x.avi");
+    RunTool("ffmpeg -i '" + Media("video.avi") + "' -t 0.5 -c copy -metadata title=Cafe.! " + scratch / "x.avi");
     std::string content = Content(scratch / "x.avi");
     content.replace(content.find("Cafe.!"), 5, "Caf\xE9.");
     EXPECT_EQ(TagsOf(scratch.Write("y.avi", content)), "Café.!||||");
@@ -52,7 +52,7 @@ TEST(LibavTag, SetsThatNameNoCharacterSetAreLatin1UnlessTheyAreUtf8) {
 TEST(LibavTag, YearThatIsNoDateStaysAsItIs) {
     CScratchDirectory scratch;
     for (const char* const year : {"1999", "c. 1850", "199-"}) {
-        RunTool("ffmpeg -y -i " + Media("source.wav") + " -t 0.3 -metadata date='" + year + "' " + scratch / "x.mka");
+        RunTool("ffmpeg -y -i '" + Media("source.wav") + "' -t 0.3 -metadata date='" + year + "' " + scratch / "x.mka");
         EXPECT_EQ(TagsOf(scratch / "x.mka"), std::string("|||") + year + "|");
     }
 }
@@ -62,7 +62,7 @@ TEST(LibavTag, FileWithoutTagsHasEmptyOnes) { EXPECT_EQ(TagsOf(Media("adts.aac")
 TEST(LibavTag, PictureOfTheCoverIsNoSoundTrack) {
     CScratchDirectory scratch;
     RunTool("ffmpeg -f lavfi -i testsrc=size=64x64 -frames:v 1 " + scratch / "x.png");
-    RunTool("ffmpeg -i " + Media("alac.m4a") + " -i " + scratch / "x.png" +
+    RunTool("ffmpeg -i '" + Media("alac.m4a") + "' -i " + scratch / "x.png" +
             " -map 0 -map 1 -c copy -disposition:v attached_pic " + scratch / "x.m4a");
     SSource source(scratch / "x.m4a");
     EXPECT_TRUE(source.ReadOn() == Content(Media("source.pcm")));
@@ -75,7 +75,7 @@ TEST(LibavChapters, BecomeIndexPoints) {
                                                "[CHAPTER]\nTIMEBASE=1/1000\nSTART=1000\nEND=2500\n"
                                                "[CHAPTER]\nTIMEBASE=1/1000\nSTART=2500\nEND=4000\n");
     for (const char* const name : {"x.m4a", "x.mka"}) {
-        RunTool("ffmpeg -i " + Media("source.wav") + " -i " + chapters + " -map_chapters 1 -c:a alac " +
+        RunTool("ffmpeg -i '" + Media("source.wav") + "' -i " + chapters + " -map_chapters 1 -c:a alac " +
                 scratch / name);
         EXPECT_EQ(IndexOf(scratch / name), (std::vector<std::uint64_t>{0, 44100, 110250, kNoIndexPoint})) << name;
     }
@@ -86,7 +86,7 @@ TEST(LibavChapters, AreCountedFromTheBeginningOfTheSound) {
     const std::string chapters = scratch.Write("chapters",
                                                ";FFMETADATA1\n[CHAPTER]\nTIMEBASE=1/1000\nSTART=500\nEND=1000\n"
                                                "[CHAPTER]\nTIMEBASE=1/1000\nSTART=1000\nEND=2500\n");
-    RunTool("ffmpeg -itsoffset 0.5 -i " + Media("source.wav") + " -i " + chapters + " -map_chapters 1 -c:a flac " +
+    RunTool("ffmpeg -itsoffset 0.5 -i '" + Media("source.wav") + "' -i " + chapters + " -map_chapters 1 -c:a flac " +
             scratch / "x.mka");
     EXPECT_EQ(IndexOf(scratch / "x.mka"), (std::vector<std::uint64_t>{0, 22050, kNoIndexPoint}));
 }
@@ -95,8 +95,8 @@ TEST(LibavChapters, FileWithoutThemHasNoIndex) { EXPECT_TRUE(IndexOf(Media("alac
 
 TEST(LibavTrack, OneThatIsMeantForEverybodyIsChosen) {
     CScratchDirectory scratch;
-    RunTool("ffmpeg -i " + Media("narrow.wav") + " -i " + Media("source.wav") +
-            " -map 0 -map 1 -c:a flac -disposition:0 visual_impaired -disposition:1 default " + scratch / "x.mka");
+    RunTool("ffmpeg -i '" + Media("narrow.wav") + "' -i '" + Media("source.wav") +
+            "' -map 0 -map 1 -c:a flac -disposition:0 visual_impaired -disposition:1 default " + scratch / "x.mka");
     SSource source(scratch / "x.mka");
     EXPECT_TRUE(source.ReadOn() == Content(Media("source.pcm")));
 }

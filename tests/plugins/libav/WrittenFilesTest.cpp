@@ -79,7 +79,7 @@ class LibavMp4 : public testing::Test {
 protected:
     // 1024 frames of delay, 176401 of sound, and padding.
     std::string Encode(const std::string& options) {
-        RunTool("ffmpeg -i " + Media("source.wav") + " -c:a aac -aac_pns 0 " + options + " " + m_scratch / "x.m4a");
+        RunTool("ffmpeg -i '" + Media("source.wav") + "' -c:a aac -aac_pns 0 " + options + " " + m_scratch / "x.m4a");
         return Content(m_scratch / "x.m4a");
     }
 
