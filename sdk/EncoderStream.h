@@ -27,11 +27,9 @@ public:
     bool RawWrite(unsigned char* data, int size, EAudioRawState& /*state*/, IStatus** status) override {
         return Guard(status, [&] {
             if (!IsInProcess()) Refuse("write before start");
+            if (size < 0) return LoseSamples();
             if (m_bBroken) Refuse("an earlier write has failed");
             if (size == 0) return true;
-            // What a target passes on when its conversion has failed: the convertor's status stands.
-            m_bBroken = size < 0;
-            if (m_bBroken) return false;
             if (data == nullptr) throw CBadArgument();
             if (size % m_nBlockSize != 0) {
                 Refuse(std::to_string(size) + " bytes are not whole frames of " + std::to_string(m_nBlockSize));
@@ -49,6 +47,12 @@ private:
     void Begin() override {
         m_writer = m_encoding.CreateWriter(m_request, m_format);
         m_bBroken = false;
+    }
+
+    // A negative size is what a target passes on when its conversion has failed: the convertor's status stands.
+    bool LoseSamples() {
+        m_bBroken = true;
+        return false;
     }
 
     // Closes the file in any case. A writer may know of its own last step alone.
