@@ -103,8 +103,8 @@ TEST_F(Batch, NamesInSquareBracketsAreNames) {
 TEST_F(Batch, GoesOnWithTheThreadsThatTheSystemGives) {
     if (support::kSanitized) GTEST_SKIP() << "the sanitizer needs more address space than the limit leaves";
     // A thread takes a stack of the limit's size: of the twenty there is room for a few.
-    const std::string command = std::string("ulimit -s 1000000; ulimit -v 3500000; exec ") + KELOAUDIO +
-                                " convert -r in --to flac --out-dir out --jobs 20 --plugins " + SoundPluginDirectory();
+    const std::string command = std::string("ulimit -s 1000000; ulimit -v 3500000; exec '") + KELOAUDIO +
+                                "' convert -r in --to flac --out-dir out --jobs 20 --plugins " + SoundPluginDirectory();
     for (int i = 0; i < 20; ++i) {
         std::filesystem::copy_file(kFrontCenter, InWork("in/" + std::to_string(i) + ".wav"));
     }
@@ -243,8 +243,9 @@ TEST_F(Batch, NothingToConvertIsNoFailure) {
 }
 
 TEST_F(Batch, LinesThatNobodyGetsEndTheRun) {
-    const std::string command = std::string("exec ") + KELOAUDIO + " convert -r in --to flac --out-dir out --plugins " +
-                                SoundPluginDirectory() + " >/dev/full";
+    const std::string command = std::string("exec '") + KELOAUDIO +
+                                "' convert -r in --to flac --out-dir out --plugins " + SoundPluginDirectory() +
+                                " >/dev/full";
     ExpectFailure(RunProgram({"bash", "-c", command}, WorkDirectory()), {"standard output: No space left on device"});
     for (const std::string& name : FilesBelow("out")) {
         EXPECT_EQ(std::filesystem::path(name).extension(), ".flac") << name;

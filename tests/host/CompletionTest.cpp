@@ -15,7 +15,7 @@ protected:
     std::vector<std::string> Offered(const std::vector<std::string>& words) const {
         std::string array;
         for (const std::string& word : words) array += " '" + word + "'";
-        const std::string script = std::string("source ") + kCompletion + "; COMP_WORDS=(keloaudio" + array +
+        const std::string script = std::string("source '") + kCompletion + "'; COMP_WORDS=(keloaudio" + array +
                                    "); COMP_CWORD=" + std::to_string(words.size()) +
                                    "; $(complete -p keloaudio | sed -E 's/.*-F (\\S+).*/\\1/')"
                                    "; printf '%s\\n' \"${COMPREPLY[@]}\"";

@@ -12,7 +12,7 @@ protected:
 
     SRunResult ConvertWithStandardOutput(const std::string& redirection, const std::string& output) const {
         const std::string command =
-            std::string("exec ") + KELOAUDIO + " convert " + kFrontCenter + " " + output + " " + redirection;
+            std::string("exec '") + KELOAUDIO + "' convert " + kFrontCenter + " " + output + " " + redirection;
         return RunProgram({"bash", "-c", command}, WorkDirectory());
     }
 

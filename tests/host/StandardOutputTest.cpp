@@ -39,8 +39,8 @@ TEST_F(StandardOutput, StaysEmptyWhenTheSourceFails) {
 }
 
 TEST_F(StandardOutput, ThatTakesNothingIsAFailure) {
-    const std::string command =
-        std::string("exec ") + KELOAUDIO + " convert " + kFrontCenter + " --stdout --plugins " + SoundPluginDirectory();
+    const std::string command = std::string("exec '") + KELOAUDIO + "' convert " + kFrontCenter +
+                                " --stdout --plugins " + SoundPluginDirectory();
     ExpectFailure(RunProgram({"bash", "-c", command + " >/dev/full"}), {"standard output: No space left on device"});
     ExpectFailure(RunProgram({"bash", "-c", "set -o pipefail; (" + command + ") | true"}),
                   {"standard output: Broken pipe"});

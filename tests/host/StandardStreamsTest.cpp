@@ -14,7 +14,7 @@ protected:
     // With the plug-ins that the test chose.
     SRunResult RunRedirected(const std::string& arguments, const std::string& redirection) const {
         const std::string command =
-            "KELO_AUDIO_PLUGINS=" + PluginDirectory() + " exec " + KELOAUDIO + " " + arguments + " " + redirection;
+            "KELO_AUDIO_PLUGINS=" + PluginDirectory() + " exec '" + KELOAUDIO + "' " + arguments + " " + redirection;
         return RunProgram({"bash", "-c", command}, WorkDirectory());
     }
 };

@@ -95,7 +95,7 @@ TEST_F(StopSignal, InterruptEndsTheWaitForAPipe) {
 
 TEST_F(StopSignal, IgnoredHangUpStaysIgnored) {
     const std::string command =
-        std::string("trap '' HUP; exec ") + KELOAUDIO + " convert in.endless out.wav --plugins " + PluginDirectory();
+        std::string("trap '' HUP; exec '") + KELOAUDIO + "' convert in.endless out.wav --plugins " + PluginDirectory();
     CRunningProgram program({"bash", "-c", command}, WorkDirectory());
     WaitForTemporary();
     program.Signal(SIGHUP);
@@ -148,8 +148,8 @@ TEST_F(StopSignal, InterruptReachesJobsThatWaitForPipes) {
 
 TEST_F(StopSignal, InterruptEndsWhatAPipeTakesSlowly) {
     ASSERT_EQ(mkfifo(InWork("pipe").c_str(), 0600), 0);
-    const std::string command = std::string("exec ") + KELOAUDIO + " convert in.endless --end 10 --stdout --plugins " +
-                                PluginDirectory() + " >pipe";
+    const std::string command = std::string("exec '") + KELOAUDIO +
+                                "' convert in.endless --end 10 --stdout --plugins " + PluginDirectory() + " >pipe";
     CRunningProgram program({"bash", "-c", command}, WorkDirectory());
     const int pipe = open(InWork("pipe").c_str(), O_RDONLY | O_CLOEXEC);
     ASSERT_GE(pipe, 0);

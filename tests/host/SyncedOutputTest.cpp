@@ -11,8 +11,9 @@ protected:
     // With the calls written down; `variables` come before the command.
     SRunResult RunNoted(const std::string& arguments, const std::string& variables = "") const {
         const std::string command = variables + " KELO_NOTES=" + NotesFile() +
-                                    " LD_PRELOAD=" KELO_FIXTURES
-                                    "/NotedCalls.so${LD_PRELOAD:+:$LD_PRELOAD} exec " KELOAUDIO " convert " +
+                                    " LD_LIBRARY_PATH='" KELO_FIXTURES
+                                    "' LD_PRELOAD=NotedCalls.so${LD_PRELOAD:+:$LD_PRELOAD} exec '" KELOAUDIO
+                                    "' convert " +
                                     kFrontCenter + " " + arguments + " --plugins " + SoundPluginDirectory();
         return RunProgram({"bash", "-c", command}, WorkDirectory());
     }
