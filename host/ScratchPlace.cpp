@@ -33,7 +33,7 @@ CScratchPlace::~CScratchPlace() {
 }
 
 std::string CScratchPlace::MakeDirectory(const std::string& name) const {
-    const std::string path = m_strPath + "/" + name;
+    std::string path = m_strPath + "/" + name;
     std::error_code error;
     fs::create_directories(path, error);
     if (error) throw CFailure(path, error.message());
