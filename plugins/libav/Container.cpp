@@ -1,7 +1,9 @@
 // An open media file and its sound track.
 #include "plugins/libav/Container.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <string_view>
 
 #include "plugins/libav/Damage.h"
 #include "plugins/libav/Silence.h"
@@ -194,13 +196,37 @@ bool CContainer::ReadPacket(AVPacket& packet) {
     do {
         av_packet_unref(&packet);
         if (!ReadAny(packet)) return false;
-    } while (packet.stream_index != m_pStream->index);
+    } while (packet.stream_index != m_pStream->index || IsHeader(packet));
+    TellPreSkip(packet);
     if ((packet.flags & AV_PKT_FLAG_CORRUPT) != 0) throw CDamage("a packet is not whole");
     return true;
 }
 
+// Where Ogg streams are chained, libavformat hands out the next one's headers: its identification (RFC 7845, 5.1; the
+// manual of Speex, 7) and its comments.
+bool CContainer::IsHeader(const AVPacket& packet) {
+    const AVCodecID codec = m_pStream->codecpar->codec_id;
+    if (codec != AV_CODEC_ID_OPUS && codec != AV_CODEC_ID_SPEEX) return false;
+    const std::string_view bytes(reinterpret_cast<const char*>(packet.data), static_cast<std::size_t>(packet.size));
+    const bool comments = m_bHeaderBefore;
+    m_bHeaderBefore = bytes.substr(0, 8) == "OpusHead" || bytes.substr(0, 8) == "Speex   ";
+    if (m_bHeaderBefore && codec == AV_CODEC_ID_OPUS && bytes.size() > 11) m_strPreSkip = bytes.substr(10, 2);
+    return m_bHeaderBefore || comments;
+}
+
+// Of a chained stream: the decoder leaves out what it is told in 32 bits, lowest byte first.
+void CContainer::TellPreSkip(AVPacket& packet) {
+    if (m_strPreSkip.empty()) return;
+    std::uint8_t* const told = Allocated(av_packet_new_side_data(&packet, AV_PKT_DATA_SKIP_SAMPLES, 10));
+    std::fill_n(told, 10, std::uint8_t{0});
+    std::copy(m_strPreSkip.begin(), m_strPreSkip.end(), told);
+    m_strPreSkip.clear();
+}
+
 bool CContainer::Seek(std::int64_t timestamp) {
     m_pending.reset();
+    m_bHeaderBefore = false;
+    m_strPreSkip.clear();
     m_context->pb->error = 0;
     return SeekBy(*m_pGuide, timestamp) || (m_pGuide != m_pStream && SeekBy(*m_pStream, timestamp));
 }

@@ -49,6 +49,8 @@ private:
     AVStream* AwaitStream();
     void CompleteParameters();
     bool ReadAny(AVPacket& packet);
+    bool IsHeader(const AVPacket& packet);
+    void TellPreSkip(AVPacket& packet);
     AVStream* PictureStream() const;
     bool SeekBy(const AVStream& guide, std::int64_t timestamp);
 
@@ -59,5 +61,7 @@ private:
     AVStream* m_pStream = nullptr;
     AVStream* m_pGuide = nullptr;  // whose index leads through the file
     std::int64_t m_nDuration = AV_NOPTS_VALUE;
+    bool m_bHeaderBefore = false;
+    std::string m_strPreSkip;  // of the stream whose packets come next, as its header has it
     CPacketPointer m_pending;  // read while the stream was awaited; null when there is none
 };

@@ -26,6 +26,11 @@ std::int64_t FramesOf(const CPositionedTrack& track, std::int64_t time) {
     return av_rescale_q(time, base, {1, static_cast<int>(rate)});
 }
 
+// Times of Opus in Ogg count what is left out at the beginning (RFC 7845, 4.3).
+std::int64_t PreSkipOf(const AVStream& stream) {
+    return stream.codecpar->codec_id == AV_CODEC_ID_OPUS ? stream.codecpar->initial_padding : 0;
+}
+
 // What encoders note in MP4 files: after three numbers, of which two are delay and padding, the length of the sound,
 // all in hexadecimal. 0 without.
 std::int64_t NotedLength(const AVFormatContext& context) {
@@ -66,8 +71,9 @@ SSoundLength LengthOf(const std::shared_ptr<const CInputFile>& file, CPositioned
     const SKnownFormat& format = track.Track().Container().Format();
     const std::int64_t told = FramesOf(track, track.Track().Container().Duration());
     if (format.m_eLength == LS_FRAMES && told > 0 && track.HasSteadyTimes()) return {told, false, true};
-    if (format.m_eLength == LS_TIME && told > 0 && track.HasSteadyTimes()) {
-        return {told, false, true, track.Block().sample_rate / kTimesPerSecond};
+    const std::int64_t timed = told - PreSkipOf(track.Track().Container().Stream());
+    if (format.m_eLength == LS_TIME && timed > 0 && track.HasSteadyTimes()) {
+        return {timed, false, true, track.Block().sample_rate / kTimesPerSecond};
     }
     const std::int64_t end = EndOf(track);
     const std::int64_t declared = format.m_eLength == LS_EDITS ? DeclaredLength(file, track) : 0;

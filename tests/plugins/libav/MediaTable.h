@@ -55,6 +55,7 @@ inline constexpr SLossyFile kLossyFiles[] = {
     {"vorbis.webm", {44100, 16, 2}},
     {"opus.webm", {48000, 16, 2}, 0, 16},
     {"opus.mp4", {48000, 16, 2}, 192002, 16},
+    {"opus.ogg", {48000, 16, 2}, 192002, 16},
     {"speech.spx", {16000, 16, 1}},
     {"lossy.wv", {44100, 16, 2}},
     {"video.mp4", {44100, 16, 2}, 176401},
