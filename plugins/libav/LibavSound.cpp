@@ -46,6 +46,7 @@ std::int64_t CLibavSound::Read(unsigned char* buffer, std::int64_t frames) {
         total += count;
     }
     if (total == 0 && !m_strFailure.empty()) Refuse(m_strFailure);
+    if (total == 0 && m_bPlaceLost) throw std::bad_alloc();
     return total;
 }
 
@@ -56,15 +57,21 @@ std::int64_t CLibavSound::BlockEnd() const {
 
 // Whether the current block holds samples for the position, after steps forward.
 bool CLibavSound::FindSamples() {
-    if (!m_strFailure.empty() || (m_length.m_bIsLimit && m_nPosition >= m_length.m_nFrames)) return false;
+    if (m_bPlaceLost || !m_strFailure.empty() || (m_length.m_bIsLimit && m_nPosition >= m_length.m_nFrames))
+        return false;
     try {
         while (m_nPosition >= m_track.BlockEnd()) {
             if (!NextBlock()) return false;
         }
         return true;
     } catch (const CDamage& damage) {
+        m_bPlaceLost = true;
         m_strFailure = "damaged " + m_track.Track().Container().Description() + " after frame " +
                        std::to_string(m_nPosition) + ": " + damage.what();
+        return false;
+    } catch (const std::bad_alloc&) {
+        // What would have come next is lost.
+        m_bPlaceLost = true;
         return false;
     }
 }
@@ -110,6 +117,9 @@ void CLibavSound::Seek(std::uint64_t frame) {
     } catch (const std::runtime_error& error) {
         ReturnTo(before, failure);
         Refuse("cannot seek to frame " + std::to_string(frame) + ": " + error.what());
+    } catch (const std::bad_alloc&) {
+        ReturnTo(before, failure);
+        throw;
     }
 }
 
@@ -137,15 +147,16 @@ void CLibavSound::DecodeTo(std::int64_t position) {
     if (m_track.BlockEnd() > position) RequireSameFormat();
 }
 
-// After a seek that failed. What could not be read before cannot be read after it.
+// After a seek that failed. What could not be read before cannot be read after it. Without memory the place stays lost,
+// and nothing is read until a seek.
 void CLibavSound::ReturnTo(std::int64_t position, const std::string& failure) {
     m_nPosition = position;
-    m_strFailure = failure;
-    if (!failure.empty()) return;
     try {
-        MoveTo(position);
+        m_strFailure = failure;
+        if (failure.empty()) MoveTo(position);
     } catch (const std::runtime_error& error) {
         m_strFailure = error.what();
+    } catch (const std::bad_alloc&) {
     }
 }
 

@@ -1,0 +1,106 @@
+// Memory that runs out while a file is read: the plug-in's own, and the libraries'.
+#include <dlfcn.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <new>
+
+#include "tests/plugins/libav/DecoderUnderTest.h"
+
+namespace {
+
+// Counts down to the allocation that fails; negative when none does.
+int g_nUntilFailure = -1;
+
+}  // namespace
+
+// Inlined, a pair of these would look to the compiler like an allocation that free must not take.
+__attribute__((noinline)) void* operator new(std::size_t size) {
+    const bool fails = g_nUntilFailure >= 0 && g_nUntilFailure-- == 0;
+    void* const memory = fails ? nullptr : std::malloc(size);
+    if (memory == nullptr) throw std::bad_alloc();
+    return memory;
+}
+__attribute__((noinline)) void operator delete(void* memory) noexcept { std::free(memory); }
+__attribute__((noinline)) void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+
+namespace {
+
+constexpr std::size_t kPiece = 8000;
+
+class LibavAllocation : public testing::Test {
+protected:
+    // The libraries' own limit of what they allocate at a time.
+    static void Limit(std::size_t size) {
+        void* const library = dlopen(KELO_LIBAVFORMAT, RTLD_NOW | RTLD_NOLOAD);
+        ASSERT_NE(library, nullptr);
+        reinterpret_cast<void (*)(std::size_t)>(dlsym(library, "av_max_alloc"))(size);
+        dlclose(library);
+    }
+
+    static bool Seek(SSource& source, unsigned long frame, unsigned int* error) {
+        CComPtr<IStatus> status;
+        const bool done = source.m_seekable->Seek(frame, status.Out());
+        *error = status ? status->GetSysError() : 0;
+        return done;
+    }
+
+    // Whether `source` reads on from `frame`, or not at all until a seek.
+    void ExpectInPlace(SSource& source, std::size_t frame) {
+        const std::string samples = source.ReadOn(kPiece);
+        EXPECT_TRUE(samples == m_samples.substr(frame * 4, samples.size())) << frame;
+        ASSERT_TRUE(source.m_seekable->Seek(frame, nullptr));
+        EXPECT_TRUE(source.ReadOn(kPiece) == m_samples.substr(frame * 4, kPiece)) << frame;
+    }
+
+    const std::string m_samples = Content(Media("source.pcm"));
+};
+
+TEST_F(LibavAllocation, ASeekThatTheLibrariesHaveNoMemoryForLosesNothing) {
+    SSource source(Media("alac.m4a"));
+    for (const std::size_t limit : {100u, 1000u, 5000u}) {
+        ASSERT_TRUE(source.m_seekable->Seek(50000, nullptr));
+        Limit(limit);
+        unsigned int error = 0;
+        const bool done = Seek(source, 150000, &error);
+        Limit(INT_MAX);
+        EXPECT_FALSE(done) << limit;
+        EXPECT_EQ(error, static_cast<unsigned int>(ENOMEM)) << limit;
+        EXPECT_EQ(source.m_blocks->GetPos(), 50000u);
+        ExpectInPlace(source, 50000);
+    }
+}
+
+TEST_F(LibavAllocation, AReadThatTheLibrariesHaveNoMemoryForSkipsNothing) {
+    SSource source(Media("alac.m4a"));
+    const std::string before = source.ReadOn(200000);
+    Limit(1000);
+    const std::string last = source.ReadOn();
+    Limit(INT_MAX);
+    ASSERT_LT(before.size() + last.size(), m_samples.size());
+    EXPECT_TRUE(before + last == m_samples.substr(0, before.size() + last.size()));
+    EXPECT_TRUE(source.ReadOn().empty());
+    ExpectInPlace(source, static_cast<std::size_t>(source.m_blocks->GetPos()));
+}
+
+TEST_F(LibavAllocation, ASeekInWhichOneAllocationFailsLosesNothing) {
+    SSource source(Media("flac.mka"));
+    int failures = 0;
+    for (int allocation = 0;; ++allocation) {
+        ASSERT_TRUE(source.m_seekable->Seek(50000, nullptr));
+        // To the beginning, which opens the file anew.
+        g_nUntilFailure = allocation;
+        const bool done = source.m_seekable->Seek(7, nullptr);
+        const bool struck = g_nUntilFailure < 0;
+        g_nUntilFailure = -1;
+        if (!struck) break;
+        if (done) continue;
+        ++failures;
+        EXPECT_EQ(source.m_blocks->GetPos(), 50000u);
+        ExpectInPlace(source, 50000);
+    }
+    EXPECT_GT(failures, 0);
+}
+
+}  // namespace
