@@ -42,7 +42,7 @@ std::string SevenBitBytes(std::uint64_t number) {
 SDeclaredFrames FramesOfDump(CFileBytes& file) {
     const std::string header(file.At(0, kDumpHeaderBytes));
     if (header.size() < kDumpHeaderBytes) return {};
-    const int bits = header[6];
+    const int bits = static_cast<unsigned char>(header[6]);
     const std::uint64_t perPacket = bits < 14 ? 60 : bits < 21 ? 40 : 30;
     std::uint64_t declared = 0;
     for (std::size_t i = 3; i-- > 0;) declared = declared << 7 | (header[kDumpCount + i] & 0x7F);
