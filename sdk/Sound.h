@@ -58,6 +58,6 @@ public:
     // Asked once, after opening.
     virtual STags GetTags() const { return {}; }
 
-    // Track or cue marks in ascending order. Asked once, after opening.
+    // Track or cue marks in ascending order, each below the length where that is known. Asked once, after opening.
     virtual std::vector<std::uint64_t> GetIndexPoints() const { return {}; }
 };

@@ -7,8 +7,8 @@ std::vector<std::uint64_t> ChapterStartsOf(const AVFormatContext& context, int s
     std::vector<std::uint64_t> starts;
     for (unsigned int i = 0; i < context.nb_chapters; ++i) {
         const AVChapter& chapter = *context.chapters[i];
-        const std::int64_t start = av_rescale_q(chapter.start, chapter.time_base, {1, sampleRate}) - begin;
-        starts.push_back(static_cast<std::uint64_t>(std::max<std::int64_t>(start, 0)));
+        const std::int64_t start = av_rescale_q(chapter.start, chapter.time_base, {1, sampleRate});
+        starts.push_back(static_cast<std::uint64_t>(std::max(start, begin) - begin));
     }
     std::sort(starts.begin(), starts.end());
     return starts;

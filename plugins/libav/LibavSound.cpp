@@ -167,7 +167,7 @@ STags CLibavSound::GetTags() const {
 std::vector<std::uint64_t> CLibavSound::GetIndexPoints() const {
     std::vector<std::uint64_t> points =
         ChapterStartsOf(m_track.Track().Container().Context(), m_format.m_format.nSampleRate, m_nBegin);
-    const auto isBehind = [this](std::uint64_t point) { return m_length.m_nFrames != 0 && point > GetLength(); };
+    const auto isBehind = [this](std::uint64_t point) { return m_length.m_nFrames != 0 && point >= GetLength(); };
     points.erase(std::remove_if(points.begin(), points.end(), isBehind), points.end());
     return points;
 }

@@ -64,8 +64,8 @@ void HasIndexPointsInside(CTrial& trial) {
             const std::uint64_t point = index.GetIndex(i);
             Expect(point != kNoIndexPoint,
                    "index point " + std::to_string(i) + " of " + std::to_string(count) + " is told not to be there");
-            Expect(length == 0 || point <= length, "index point " + std::to_string(i) + " at frame " +
-                                                       std::to_string(point) + " of " + std::to_string(length));
+            Expect(length == 0 || point < length, "index point " + std::to_string(i) + " at frame " +
+                                                      std::to_string(point) + " of " + std::to_string(length));
         }
     });
 }
