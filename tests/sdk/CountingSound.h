@@ -15,7 +15,8 @@ struct SSoundPlan {
     bool m_bSeekable = true;
     STags m_tags;
     std::vector<std::uint64_t> m_vIndexPoints;
-    std::uint64_t m_nDamageAt = ~std::uint64_t{0};  // the frame from which reading fails
+    std::uint64_t m_nDamageAt = ~std::uint64_t{0};     // the frame from which reading fails
+    std::uint64_t m_nUnreachable = ~std::uint64_t{0};  // the frame to which no seek goes
 };
 
 // Frame n is the 16-bit number n. [stream-thread]
@@ -40,6 +41,7 @@ public:
     bool IsSeekable() const override { return m_plan.m_bSeekable; }
     void Seek(std::uint64_t frame) override {
         if (!m_plan.m_bSeekable) Refuse("cannot go back");
+        if (frame == m_plan.m_nUnreachable) Refuse("cannot go there");
         m_nNext = frame;
     }
 

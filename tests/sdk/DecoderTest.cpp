@@ -197,6 +197,25 @@ TEST_F(SdkDecoder, SeeksToFramesUpToTheEnd) {
     EXPECT_EQ(buffer[0], 40);
 }
 
+TEST_F(SdkDecoder, StaysWhereItIsWhenTheSoundDoesNotSeek) {
+    m_decoder.m_plan.m_nUnreachable = 70;
+    const auto stream = Open();
+    const auto seekable = Face<ISeekable>(stream);
+    const auto info = Face<IAudioRawBlockInfo>(stream);
+    ASSERT_TRUE(Face<IProcess>(stream)->Start(nullptr));
+    ASSERT_TRUE(seekable->Seek(40, nullptr));
+    CComPtr<IStatus> status;
+    EXPECT_FALSE(seekable->Seek(70, status.Out()));
+    EXPECT_STREQ(TextOf(status), "some.count: cannot go there");
+    EXPECT_EQ(info->GetPos(), 40U);
+    unsigned char buffer[2];
+    int read = 0;
+    EAudioRawState state = ARS_MORE;
+    ASSERT_TRUE(Face<IAudioRawReader>(stream)->RawRead(buffer, 2, &read, state, nullptr));
+    EXPECT_EQ(buffer[0], 40);
+    EXPECT_EQ(info->GetPos(), 41U);
+}
+
 TEST_F(SdkDecoder, OffersSeekingAndIndexOnlyWhereTheSoundHasThem) {
     m_decoder.m_plan.m_bSeekable = false;
     EXPECT_EQ(CodeOf(Open().Get(), IID_ISeekable), 2);
