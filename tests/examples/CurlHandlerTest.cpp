@@ -8,6 +8,7 @@
 
 #include "stream/URLSourceHandler.h"
 #include "tests/examples/ExamplesTest.h"
+#include "tests/support/FetchEnvironment.h"
 
 namespace {
 
@@ -56,15 +57,35 @@ private:
 
 class CurlHandler : public CExamplesTest {
 protected:
-    // The reason why the handler, which is loaded alone, fetches no file.
-    std::string FetchRefusal(const std::string& url) const {
+    CurlHandler() { support::PrepareToFetch(Temporary()); }
+
+    std::filesystem::path Temporary() const { return m_scratch.Path() / "temporary"; }
+
+    // Of the handler, which is loaded alone.
+    bool Fetch(const std::string& url, std::string& path, IStatus** status) const {
         CComPtr<IAudioComponent> component;
         EXPECT_TRUE(m_manager->GetComponent(0, component.Out()));
         const auto handler = CComPtr<IURLSourceHandler>::Query(component.Get(), IID_IURLSourceHandler);
-        char path[kLocalPathCapacity] = "";
+        char local[kLocalPathCapacity] = "";
+        const bool fetched = handler->Fetch(url.c_str(), local, 0, status);
+        path = local;
+        return fetched;
+    }
+
+    // The reason why it fetches no file.
+    std::string FetchRefusal(const std::string& url) const {
+        std::string path;
         CComPtr<IStatus> status;
-        EXPECT_FALSE(handler->Fetch(url.c_str(), path, 0, status.Out()));
+        EXPECT_FALSE(Fetch(url, path, status.Out()));
         return support::TextOf(status);
+    }
+
+    std::vector<std::string> TemporaryFiles() const {
+        std::vector<std::string> files;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(Temporary())) {
+            if (entry.is_regular_file()) files.push_back(entry.path());
+        }
+        return files;
     }
 };
 
@@ -102,6 +123,20 @@ TEST_F(CurlHandler, RefusesWhatIsTooLarge) {
     const COneAnswer server("HTTP/1.0 200 OK\r\nContent-Length: 4294967297\r\n\r\nPLN1");
     const std::string url = server.URL("large.plain");
     EXPECT_EQ(FetchRefusal(url), url + ": Maximum file size exceeded");
+}
+
+TEST_F(CurlHandler, RemovesAnUnfinishedFileAtOnceAndTheOthersAtTheEnd) {
+    Add("url-handler", "curl_handler");
+    Load();
+    const COneAnswer cut("HTTP/1.0 200 OK\r\nContent-Length: 100\r\n\r\nPLN1");
+    FetchRefusal(cut.URL("cut.plain"));
+    EXPECT_EQ(TemporaryFiles(), std::vector<std::string>{});
+    const COneAnswer whole("HTTP/1.0 200 OK\r\nContent-Length: 4\r\n\r\nPLN1");
+    std::string path;
+    EXPECT_TRUE(Fetch(whole.URL("whole.plain"), path, nullptr));
+    EXPECT_EQ(TemporaryFiles(), std::vector<std::string>{path});
+    m_manager->UnloadPlugins();
+    EXPECT_TRUE(std::filesystem::is_empty(Temporary()));
 }
 
 }  // namespace

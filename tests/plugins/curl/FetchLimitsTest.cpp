@@ -15,6 +15,7 @@ std::string Complaint() {
 }
 
 TEST(FetchLimits, AreTheDefaultsWithoutVariables) {
+    support::ClearFetchVariables();
     const SFetchLimits limits = ReadFetchLimits();
     EXPECT_EQ(limits.m_nConnectSeconds, 10);
     EXPECT_EQ(limits.m_nStallSeconds, 30);
@@ -23,6 +24,7 @@ TEST(FetchLimits, AreTheDefaultsWithoutVariables) {
 }
 
 TEST(FetchLimits, EachHasAVariable) {
+    support::ClearFetchVariables();
     const CScopedVariable connect("KELO_CURL_CONNECT_TIMEOUT", "1");
     const CScopedVariable stall("KELO_CURL_STALL_TIMEOUT", "86400");
     const CScopedVariable size("KELO_CURL_SIZE_LIMIT", "9223372036854775807");
@@ -35,6 +37,7 @@ TEST(FetchLimits, EachHasAVariable) {
 }
 
 TEST(FetchLimits, TakeNothingButWholeNumbersInTheirRange) {
+    support::ClearFetchVariables();
     for (const char* const value :
          {"", " ", "0", "-1", "+1", " 1", "1 ", "1.5", "0x10", "10s", "86401", "1e1", "ten", "99999999999999999999"}) {
         const CScopedVariable stall("KELO_CURL_STALL_TIMEOUT", value);
@@ -44,6 +47,7 @@ TEST(FetchLimits, TakeNothingButWholeNumbersInTheirRange) {
 }
 
 TEST(FetchLimits, NameTheVariableThatIsWrong) {
+    support::ClearFetchVariables();
     for (const char* const name :
          {"KELO_CURL_CONNECT_TIMEOUT", "KELO_CURL_STALL_TIMEOUT", "KELO_CURL_SIZE_LIMIT", "KELO_CURL_REDIRECTS"}) {
         const CScopedVariable variable(name, "many");

@@ -3,7 +3,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -17,6 +16,7 @@
 
 #include "tests/plugins/curl/LoopbackServer.h"
 #include "tests/plugins/curl/PluginUnderTest.h"
+#include "tests/support/FetchEnvironment.h"
 #include "tests/support/ScratchDirectory.h"
 
 inline std::string Content(const std::string& path) {
@@ -40,11 +40,8 @@ inline std::string ManyBytes() {
 class CFetchTest : public testing::Test {
 protected:
     CFetchTest() {
-        for (const std::string scheme : {"http", "https", "ftp", "all", "no"}) unsetenv((scheme + "_proxy").c_str());
-        for (const std::string scheme : {"HTTPS", "FTP", "ALL", "NO"}) unsetenv((scheme + "_PROXY").c_str());
-        std::filesystem::create_directory(Temporary());
+        support::PrepareToFetch(Temporary());
         std::filesystem::create_directory(m_scratch / "served");
-        setenv("TMPDIR", Temporary().c_str(), 1);
         m_scratch.Write("served/song.flac", kSong);
     }
 

@@ -110,8 +110,7 @@ TEST_F(CurlThroughManager, UnloadingRemovesTheFilesAndThePluginFromTheProcess) {
 TEST(CurlUnloading, LeavesLibcurlInTheProcessButNotThePlugin) {
     const CScratchDirectory scratch;
     const CLoopbackServer server("http_server.py", {scratch.Path().string()});
-    setenv("TMPDIR", scratch.Path().c_str(), 1);
-    unsetenv("http_proxy");
+    support::PrepareToFetch(scratch / "tmp");
     std::filesystem::create_symlink(KELO_CURL_PLUGIN, scratch / "curl.so");
     const support::CManagerHold manager;
     for (int i = 0; i < 3; ++i) {
@@ -129,6 +128,7 @@ TEST(CurlUnloading, LeavesLibcurlInTheProcessButNotThePlugin) {
         EXPECT_TRUE(manager->UnloadPlugins());
         EXPECT_FALSE(IsMapped("/curl.so"));
         EXPECT_TRUE(IsMapped("libcurl.so.4"));
+        EXPECT_TRUE(std::filesystem::is_empty(scratch / "tmp"));
     }
 }
 

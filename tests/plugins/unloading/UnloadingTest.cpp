@@ -16,6 +16,7 @@
 #include "stream/RawReader.h"
 #include "stream/RawWriter.h"
 #include "tests/plugins/unloading/OneFileServer.h"
+#include "tests/support/FetchEnvironment.h"
 #include "tests/support/ManagerHold.h"
 #include "tests/support/ProcessUse.h"
 #include "tests/support/ScratchDirectory.h"
@@ -180,6 +181,7 @@ TEST_F(Unloading, AfterAFailureLeavesNothing) {
 }
 
 TEST_F(Unloading, AfterFetchingLeavesNothing) {
+    support::PrepareToFetch(m_scratch / "temporary");
     Load();
     if (Components(ACT_URL_HANDLER).empty()) GTEST_SKIP() << "no plug-in of this build handles URLs";
     WriteEveryFormat();
@@ -189,6 +191,7 @@ TEST_F(Unloading, AfterFetchingLeavesNothing) {
         EXPECT_GT(Read(server.URL(name)), 48000U);
     }
     UnloadAndExpectNothingLeft();
+    EXPECT_TRUE(std::filesystem::is_empty(m_scratch / "temporary"));
 }
 
 TEST_F(Unloading, LeavesRoomForTheNextLoad) {
