@@ -19,6 +19,8 @@ COutputFile::COutputFile(const std::string& path, const std::string& lead, const
     if (!m_descriptor.IsOpen()) Refuse(SystemReason(errno));
     // Headers are completed at the end.
     if (!m_descriptor.IsSeekable()) Refuse(errno == ESPIPE ? "a pipe is no file" : SystemReason(errno));
+    // The codec's own code calls Write, and no exception may pass through it.
+    m_strHeader.reserve(kMostHeaderBytes);
     WriteAt(lead.data(), m_nLead, 0);
     SF_VIRTUAL_IO operations = {Length, Seek, nullptr, Write, Tell};
     SF_INFO request = info;
