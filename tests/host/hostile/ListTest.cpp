@@ -31,6 +31,17 @@ protected:
         EXPECT_EQ(result.m_strErr.find(".so: "), result.m_strErr.rfind(".so: ")) << result.m_strErr;
     }
 
+    // What is said of a plug-in alone, which is "It" there.
+    std::string ListingsOf(const std::string& name) const {
+        UseHostile(name);
+        std::string said = RunWithChosen({"list"}).m_strOut + RunWithChosen({"list", "--json"}).m_strOut;
+        std::filesystem::remove(PluginDirectory() + "/" + name + ".so");
+        for (std::size_t at = said.find(name); at != std::string::npos; at = said.find(name)) {
+            said.replace(at, name.size(), "It");
+        }
+        return said;
+    }
+
     void ExpectListed(const std::string& text) const {
         UseHealthy();
         const SRunResult result = RunWithChosen({"list"});
@@ -190,6 +201,14 @@ TEST_F(ListBesideHostile, NothingIsLeftAmongTheTemporaryFiles) {
     ExpectNamed("AbortsInEntry", "aborted (signal 6)");
     unsetenv("TMPDIR");
     EXPECT_EQ(NamesIn(temporary), std::vector<std::string>{});
+}
+
+TEST_F(ListBesideHostile, WhatAPluginWritesToStandardOutputIsDropped) {
+    for (const std::string operation : {"Entry", "GetName", "Terminate"}) {
+        const std::string silent = ListingsOf("SilentIn" + operation);
+        EXPECT_NE(silent.find("It.so"), std::string::npos) << silent;
+        EXPECT_EQ(ListingsOf("SpeaksIn" + operation), silent);
+    }
 }
 
 TEST_F(ListBesideHostile, NullTextsAreLeftOut) {

@@ -2,6 +2,7 @@
 #include <signal.h>
 
 #include <chrono>
+#include <nlohmann/json.hpp>
 
 #include "tests/host/hostile/HostileFixture.h"
 
@@ -70,6 +71,14 @@ TEST_F(ValidateHostile, ACountThatOnlyALieCanBeIsOneFindingInTheValidatorsWords)
     }
     const SRunResult alone = Validate({"--only", "decoder/refuses-text", PluginDirectory() + "/NegativeExtensions.so"});
     ExpectText(alone, " ms): Fixture: impossible count: -1 extensions\n");
+}
+
+TEST_F(ValidateHostile, WhatAPluginWritesToStandardOutputIsDropped) {
+    for (const std::string operation : {"Entry", "GetName", "Terminate"}) {
+        const SRunResult result = Validate({"--json", "--only", "component", Hostile("SpeaksIn" + operation)});
+        EXPECT_EQ(result.m_nExit, 0) << result.m_strOut;
+        EXPECT_FALSE(nlohmann::json::parse(result.m_strOut, nullptr, false).is_discarded()) << result.m_strOut;
+    }
 }
 
 TEST_F(ValidateHostile, ASampleThatCannotBeWrittenEndsTheRun) {
