@@ -34,7 +34,7 @@ bool IsLossless(AVCodecID codec) {
 // The width that the samples had before they were compressed, where that says anything.
 int TrueBitsOf(const AVCodecContext& codec, int bits) {
     const int raw = codec.bits_per_raw_sample;
-    return raw > 0 && IsLossless(codec.codec_id) ? std::min((raw + 7) / 8 * 8, bits) : bits;
+    return raw > 0 && IsLossless(codec.codec_id) ? std::min((std::min(raw, bits) + 7) / 8 * 8, bits) : bits;
 }
 
 }  // namespace

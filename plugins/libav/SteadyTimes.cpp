@@ -6,6 +6,7 @@
 #include <numeric>
 #include <optional>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 #include "plugins/libav/AudioCodec.h"
@@ -138,8 +139,8 @@ std::optional<SWay> FindWay(const std::vector<SPacket>& packets, const std::vect
 class CStampLine {
 public:
     // `vague`: the timestamps of the packets between may be wrong by a packet.
-    CStampLine(const CTimeline& timeline, std::optional<SWay> way, bool vague)
-        : m_timeline(timeline), m_way(way), m_bVague(vague) {}
+    CStampLine(CTimeline timeline, std::optional<SWay> way, bool vague)
+        : m_timeline(std::move(timeline)), m_way(way), m_bVague(vague) {}
 
     // Whether the packet is where those before say.
     bool Accepts(const SPacket& packet) {

@@ -19,4 +19,5 @@ struct SSteadiness {
 
 // Reads all packets of the sound track and decodes but the first ones: a timestamp that is not as far from those before
 // as the frames between tell, behind a gap or where another recording was joined on, is no guide to a position.
+// [stream-thread]
 SSteadiness SteadinessOf(const std::shared_ptr<const CInputFile>& file);
