@@ -18,6 +18,20 @@ TEST_F(PlainDecoder, ReadsSamplesAndTags) {
     EXPECT_EQ(TitleOf(m_scratch / "some.plain"), "A title");
 }
 
+TEST_F(PlainDecoder, SeeksToTheVeryFrame) {
+    Add("decoder", "plain_decoder");
+    Load();
+    const std::string file = PlainFile(1000);
+    const auto stream = OpenBare(m_scratch.Write("some.plain", file));
+    const auto seekable = CComPtr<ISeekable>::Query(stream.Get(), IID_ISeekable);
+    ASSERT_TRUE(seekable);
+    ASSERT_TRUE(CComPtr<IProcess>::Query(stream.Get(), IID_IProcess)->Start(nullptr));
+    for (const std::size_t frame : {500U, 0U, 1U, 999U, 1000U}) {
+        ASSERT_TRUE(seekable->Seek(frame, nullptr)) << frame;
+        EXPECT_EQ(ReadOn(stream), SamplesOf(file).substr(4 * frame)) << frame;
+    }
+}
+
 TEST_F(PlainDecoder, GivesEveryTitleAsUtf8) {
     Add("decoder", "plain_decoder");
     Load();
@@ -33,6 +47,23 @@ TEST_F(PlainDecoder, RefusesOtherFiles) {
     for (const std::string& content :
          {std::string(), std::string("PLN2") + PlainFile(3).substr(4), std::string("PL")}) {
         EXPECT_EQ(RefusalOf(m_scratch.Write("other.plain", content)), "other.plain: not a plain file");
+    }
+}
+
+TEST_F(PlainDecoder, RefusesUnknownSampleFormats) {
+    Add("decoder", "plain_decoder");
+    Load();
+    // Rates of 0 and 768001, 0 and 9 channels, 0, 12 and 64 bits.
+    const std::vector<std::pair<std::size_t, std::string>> fields = {
+        {4, {0, 0, 0, 0}}, {4, "\x01\xB8\x0B" + std::string(1, '\0')},
+        {8, {0, 0}},       {8, {9, 0}},
+        {10, {0, 0}},      {10, {12, 0}},
+        {10, {64, 0}}};
+    for (const auto& [place, field] : fields) {
+        const std::string file = PlainFile(3).replace(place, field.size(), field);
+        EXPECT_EQ(RefusalOf(m_scratch.Write("other.plain", file)),
+                  "other.plain: a plain file of an unknown sample format")
+            << testing::PrintToString(field);
     }
 }
 
