@@ -171,6 +171,25 @@ TEST(Downloads, FollowNoLinkInTheirPlace) {
     });
 }
 
+TEST(Downloads, KeepTheirFileInTheDirectoryThatItWasBegunIn) {
+    RunWithTemporary([](const fs::path& temporary) {
+        const fs::path elsewhere = temporary.parent_path() / "elsewhere";
+        CDownloads downloads;
+        const auto download = downloads.Begin();
+        EXPECT_EQ(download->Write("song", 4), 0);
+        const fs::path directory = fs::directory_iterator(temporary)->path();
+        const fs::path folder = fs::directory_iterator(directory)->path().filename();
+        fs::create_directories(elsewhere / folder);
+        Put(elsewhere / folder / "unfinished", "foreign");
+        fs::rename(directory, temporary / "moved");
+        fs::create_directory_symlink(elsewhere, directory);
+        download->Keep("song.wav");
+        EXPECT_EQ(Content(elsewhere / folder / "unfinished"), "foreign");
+        EXPECT_FALSE(fs::exists(elsewhere / folder / "song.wav"));
+        EXPECT_EQ(Content(temporary / "moved" / folder / "song.wav"), "song");
+    });
+}
+
 TEST(Downloads, FollowNoLinkAmongTheirFiles) {
     RunWithTemporary([](const fs::path& temporary) {
         const fs::path elsewhere = temporary.parent_path() / "elsewhere";
