@@ -16,6 +16,9 @@ constexpr uid_t kNobody = 65534;
 // A user of every Debian system, with a group of his own.
 constexpr const char* kUserWithGroup = "games";
 
+// One whose group is that of others.
+constexpr const char* kUserOfNogroup = "sync";
+
 // The kernel's form of an access list, linux/posix_acl_xattr.h and acl(5).
 struct SAccessList {
     struct SEntry {
@@ -51,6 +54,20 @@ protected:
     static void SetMode(const std::string& path, mode_t mode) { ASSERT_EQ(chmod(path.c_str(), mode), 0) << path; }
     static void SetOwner(const std::string& path, uid_t user, gid_t group) {
         ASSERT_EQ(chown(path.c_str(), user, group), 0) << path;
+    }
+
+    static SRunResult RunAs(const passwd& user, const std::vector<std::string>& command) {
+        std::vector<std::string> words = {
+            "setpriv",       "--reuid", std::to_string(user.pw_uid), "--regid", std::to_string(user.pw_gid),
+            "--clear-groups"};
+        words.insert(words.end(), command.begin(), command.end());
+        return RunProgram(words);
+    }
+    SRunResult ListAs(const passwd& user) const {
+        return RunAs(user, {KELOAUDIO, "list", "--plugins", PluginDirectory()});
+    }
+    bool MayRun(const passwd& user) const {
+        return RunAs(user, {"test", "-x", KELOAUDIO, "-a", "-x", PluginDirectory()}).m_nExit == 0;
     }
 
     // False where the file system has no access lists.
@@ -103,28 +120,30 @@ TEST_F(PluginTrust, AccessListThatLetsAnotherUserWrite) {
 TEST_F(PluginTrust, GroupOfTheUserAlone) {
     const passwd* const user = getpwnam(kUserWithGroup);
     if (geteuid() != 0 || user == nullptr) GTEST_SKIP() << "only root becomes " << kUserWithGroup;
-    const uid_t id = user->pw_uid;
-    const gid_t group = user->pw_gid;
-    const auto runAsUser = [&](const std::vector<std::string>& command) {
-        std::vector<std::string> words = {
-            "setpriv", "--reuid", std::to_string(id), "--regid", std::to_string(group), "--clear-groups"};
-        words.insert(words.end(), command.begin(), command.end());
-        return RunProgram(words);
-    };
-    const auto list = [&] { return runAsUser({KELOAUDIO, "list", "--plugins", PluginDirectory()}); };
     SetMode(m_scratch.Path(), 0755);
-    for (const std::string& needed : {std::string(KELOAUDIO), PluginDirectory()}) {
-        if (runAsUser({"test", "-x", needed}).m_nExit != 0) GTEST_SKIP() << needed << " is for root alone";
-    }
+    if (!MayRun(*user)) GTEST_SKIP() << "the program is for root alone";
     SetMode(PluginDirectory(), 0775);
-    SetOwner(PluginDirectory(), id, group);
-    const SRunResult trusted = list();
+    SetOwner(PluginDirectory(), user->pw_uid, user->pw_gid);
+    const SRunResult trusted = ListAs(*user);
     EXPECT_EQ(trusted.m_nExit, 0) << trusted.m_strErr;
-    SetOwner(PluginDirectory(), id, kNobody);
-    ExpectFailure(list(), {"plug-ins are not safe there: its group may write to it"});
-    SetOwner(PluginDirectory(), id, group);
+    SetOwner(PluginDirectory(), user->pw_uid, kNobody);
+    ExpectFailure(ListAs(*user), {"plug-ins are not safe there: its group may write to it"});
+    SetOwner(PluginDirectory(), user->pw_uid, user->pw_gid);
     if (!LetNobodyWrite(PluginDirectory())) GTEST_SKIP() << "no access lists on the file system of the scratch files";
-    ExpectFailure(list(), {"plug-ins are not safe there: an access list may let others write to it"});
+    ExpectFailure(ListAs(*user), {"plug-ins are not safe there: an access list may let others write to it"});
+}
+
+// Others have it too.
+TEST_F(PluginTrust, GroupOfTheUserThatHasAnotherName) {
+    const passwd* const user = getpwnam(kUserOfNogroup);
+    if (geteuid() != 0 || user == nullptr) GTEST_SKIP() << "only root becomes " << kUserOfNogroup;
+    SetMode(m_scratch.Path(), 0755);
+    if (!MayRun(*user)) GTEST_SKIP() << "the program is for root alone";
+    SetOwner(PluginDirectory(), user->pw_uid, user->pw_gid);
+    const SRunResult trusted = ListAs(*user);
+    EXPECT_EQ(trusted.m_nExit, 0) << trusted.m_strErr;
+    SetMode(PluginDirectory(), 0775);
+    ExpectFailure(ListAs(*user), {"plug-ins are not safe there: its group may write to it"});
 }
 
 TEST_F(PluginTrust, OwnerWhoIsSomebodyElse) {
@@ -144,6 +163,13 @@ TEST_F(PluginTrust, DirectoryAboveThatEverybodyWrites) {
 TEST_F(PluginTrust, StickyDirectoryAboveIsLikeTheTemporaryOne) {
     SetMode(m_scratch.Path(), 01777);
     ExpectTrusted();
+}
+
+TEST_F(PluginTrust, StickyDirectoryAboveOfSomebodyElse) {
+    if (geteuid() != 0) GTEST_SKIP() << "only root gives files away";
+    SetMode(m_scratch.Path(), 01777);
+    SetOwner(m_scratch.Path(), kNobody, 0);
+    ExpectRefused(m_scratch.Path(), "it belongs to nobody");
 }
 
 TEST_F(PluginTrust, LinkedPluginIsJudgedWhereItIs) {
