@@ -5,6 +5,7 @@
 #include <signal.h>
 #include <spawn.h>
 #include <stdlib.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -30,6 +31,15 @@ void PrepareEnvironment() {
     // program itself it stays, and the leak checker sees that the bytes are in use.
     if (kLeakChecker) setenv("LD_PRELOAD", "libgomp.so.1", 1);
     if (kLeakChecker) setenv("ASAN_OPTIONS", "verify_asan_link_order=0", 1);
+}
+
+// Recursion without an end is to come to the end of its stack, also where the limit of whoever runs the tests is none.
+void LimitStack() {
+    constexpr rlim_t kStackBytes = rlim_t{8} << 20U;
+    rlimit stack = {};
+    getrlimit(RLIMIT_STACK, &stack);
+    stack.rlim_cur = std::min(kStackBytes, stack.rlim_max);
+    setrlimit(RLIMIT_STACK, &stack);
 }
 
 constexpr std::chrono::milliseconds kPollInterval{2};
@@ -84,6 +94,7 @@ private:
 
 CRunningProgram::CRunningProgram(const std::vector<std::string>& command, const std::string& directory) {
     PrepareEnvironment();
+    LimitStack();
     const CSpawnActions actions(directory, m_scratch / "out", m_scratch / "err");
     const CDefaultSignals signals;
     std::vector<std::string> words = command;

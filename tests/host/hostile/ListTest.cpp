@@ -1,5 +1,6 @@
 // keloaudio list names the plug-in that fails and lists the others.
 #include <signal.h>
+#include <sys/resource.h>
 
 #include <chrono>
 #include <nlohmann/json.hpp>
@@ -159,6 +160,15 @@ TEST_F(ListBesideHostile, CrashInTheCodeThatRunsWhenAPluginIsUnloaded) {
 TEST_F(ListBesideHostile, CrashWhenAPluginIsUnloadedThatGivesNoComponent) {
     UseHostile("AbortsWithoutComponent");
     ExpectNamed("AbortsWithoutComponent", "aborted (signal 6)");
+}
+
+// The stack of whoever runs the tests may have no end.
+TEST_F(ListBesideHostile, ProgramsOfTheTestsComeToTheEndOfTheirStack) {
+    rlimit stack = {};
+    ASSERT_EQ(getrlimit(RLIMIT_STACK, &stack), 0);
+    stack.rlim_cur = stack.rlim_max;
+    ASSERT_EQ(setrlimit(RLIMIT_STACK, &stack), 0);
+    EXPECT_LE(std::stoi(RunProgram({"bash", "-c", "ulimit -s"}).m_strOut), 8192);
 }
 
 TEST_F(ListBesideHostile, CollectionThatHoldsItselfIsNamed) {
