@@ -114,14 +114,15 @@ TEST_F(ConvertFailure, DeviceAsOutput) {
 
 TEST_F(ConvertFailure, FileSizeLimitWhileWriting) {
     m_scratch.Write("work/out.wav", "the old content");
-    const std::string command =
-        std::string("ulimit -f 64; exec '") + KELOAUDIO + "' convert " + kFrontCenter + " out.wav";
+    const std::string command = std::string("ulimit -f 64; exec '") + KELOAUDIO + "' convert " + kFrontCenter +
+                                " out.wav --plugins " + SoundPluginDirectory();
     ExpectFailure(RunProgram({"bash", "-c", command}, WorkDirectory()), {"out.wav: writing failed", "File too large"});
     EXPECT_EQ(NamesIn(WorkDirectory()), std::vector<std::string>{"out.wav"});
     EXPECT_EQ(ReadWholeFile(InWork("out.wav")), "the old content");
 }
 
 TEST_F(ConvertFailure, StandardOutputThatTakesNothing) {
-    const SRunResult result = RunProgram({"bash", "-c", std::string("exec '") + KELOAUDIO + "' list >/dev/full"});
-    ExpectFailure(result, {"standard output: No space left on device"});
+    const std::string command =
+        std::string("exec '") + KELOAUDIO + "' list --plugins " + SoundPluginDirectory() + " >/dev/full";
+    ExpectFailure(RunProgram({"bash", "-c", command}), {"standard output: No space left on device"});
 }

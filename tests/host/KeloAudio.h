@@ -2,6 +2,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <string>
@@ -17,11 +18,13 @@ constexpr const char* kComplete = "/usr/share/sounds/freedesktop/stereo/complete
 class CKeloAudio : public testing::Test {
 protected:
     CKeloAudio() {
+        // What others may write to is no place for plug-ins, whatever the mask of the person who runs the tests.
+        umask(022);
         for (const char* const name : {"work", "plugins", "sound"}) {
             std::filesystem::create_directory(m_scratch.Path() / name);
         }
         for (const std::string name : {"sndfile.so", "soxr.so"}) {
-            std::filesystem::create_symlink(KELO_PLUGINS "/" + name, SoundPluginDirectory() + "/" + name);
+            CopyPlugin(KELO_PLUGINS "/" + name, SoundPluginDirectory());
         }
     }
 
@@ -30,9 +33,9 @@ protected:
     std::string SoundPluginDirectory() const { return m_scratch / "sound"; }
     std::string InWork(const std::string& name) const { return m_scratch / ("work/" + name); }
 
-    // Plug-ins of the build tree are linked into the plug-in directory, by file name.
+    // Plug-ins of the build tree are copied into the plug-in directory, by file name.
     void UsePlugin(const std::string& directory, const std::string& name) const {
-        std::filesystem::create_symlink(directory + "/" + name, PluginDirectory() + "/" + name);
+        CopyPlugin(directory + "/" + name, PluginDirectory());
     }
     void UseFixture(const std::string& name) const { UsePlugin(KELO_FIXTURES, name); }
 
@@ -90,4 +93,12 @@ protected:
     }
 
     CScratchDirectory m_scratch;
+
+private:
+    // A link would lead through the build tree, whose owner the program under test need not trust.
+    static void CopyPlugin(const std::filesystem::path& plugin, const std::string& directory) {
+        const std::filesystem::path copy = directory / plugin.filename();
+        std::filesystem::copy_file(plugin, copy);
+        std::filesystem::permissions(copy, std::filesystem::perms(0755));
+    }
 };

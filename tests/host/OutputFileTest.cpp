@@ -11,9 +11,21 @@ protected:
     SRunResult ConvertTo(const std::string& output) const { return Run({"convert", kFrontCenter, output}); }
 
     SRunResult ConvertWithStandardOutput(const std::string& redirection, const std::string& output) const {
-        const std::string command =
-            std::string("exec '") + KELOAUDIO + "' convert " + kFrontCenter + " " + output + " " + redirection;
+        const std::string command = std::string("exec '") + KELOAUDIO + "' convert " + kFrontCenter + " " + output +
+                                    " --plugins " + SoundPluginDirectory() + " " + redirection;
         return RunProgram({"bash", "-c", command}, WorkDirectory());
+    }
+
+    // Root may write everywhere; without its capabilities it may not.
+    SRunResult ConvertWithoutCapabilities(const std::string& output,
+                                          const std::vector<std::string>& options = {}) const {
+        std::vector<std::string> command = {KELOAUDIO, "convert",   kFrontCenter,
+                                            output,    "--plugins", SoundPluginDirectory()};
+        command.insert(command.end(), options.begin(), options.end());
+        if (geteuid() == 0) {
+            command.insert(command.begin(), {"setpriv", "--bounding-set", "-all", "--inh-caps", "-all"});
+        }
+        return RunProgram(command, WorkDirectory());
     }
 
     unsigned int ModeOf(const std::string& name) const {
@@ -27,12 +39,6 @@ protected:
                ReadWholeFile(InWork(name)).substr(0, 4) == "RIFF";
     }
 };
-
-// Root may write everywhere; without its capabilities it may not.
-std::vector<std::string> WithoutCapabilities(std::vector<std::string> command) {
-    if (geteuid() == 0) command.insert(command.begin(), {"setpriv", "--bounding-set", "-all", "--inh-caps", "-all"});
-    return command;
-}
 
 }  // namespace
 
@@ -95,8 +101,7 @@ TEST_F(OutputFile, DirectoryThatMayNotBeWrittenIsRefused) {
     const std::string folder = InWork("folder");
     std::filesystem::create_directory(folder);
     ASSERT_EQ(chmod(folder.c_str(), 0555), 0);
-    const SRunResult result =
-        RunProgram(WithoutCapabilities({KELOAUDIO, "convert", kFrontCenter, folder + "/out.wav"}));
+    const SRunResult result = ConvertWithoutCapabilities(folder + "/out.wav");
     ExpectFailure(result, {"/out.wav: no file can be made in " + folder + ": Permission denied"});
     EXPECT_EQ(NamesIn(folder), std::vector<std::string>{});
 }
@@ -104,9 +109,7 @@ TEST_F(OutputFile, DirectoryThatMayNotBeWrittenIsRefused) {
 TEST_F(OutputFile, FileThatMayNotBeWrittenIsRefused) {
     m_scratch.Write("work/out.wav", "the old content");
     ASSERT_EQ(chmod(InWork("out.wav").c_str(), 0444), 0);
-    const SRunResult result =
-        RunProgram(WithoutCapabilities({KELOAUDIO, "convert", kFrontCenter, "out.wav"}), WorkDirectory());
-    ExpectFailure(result, {"out.wav: Permission denied"});
+    ExpectFailure(ConvertWithoutCapabilities("out.wav"), {"out.wav: Permission denied"});
     EXPECT_EQ(ReadWholeFile(InWork("out.wav")), "the old content");
 }
 
@@ -121,7 +124,7 @@ TEST_F(OutputFile, FileOfAnotherInAStickyDirectoryIsRefusedBeforeItIsReported) {
     for (const std::string& path : {folder, output}) ASSERT_EQ(chown(path.c_str(), kOther, kOther), 0);
     for (const std::string option : {"--json", "--jobs=1"}) {
         SCOPED_TRACE(option);
-        const SRunResult result = RunProgram(WithoutCapabilities({KELOAUDIO, "convert", kFrontCenter, output, option}));
+        const SRunResult result = ConvertWithoutCapabilities(output, {option});
         EXPECT_EQ(result.m_nExit, 1);
         EXPECT_EQ(result.m_strErr, "keloaudio: " + output + ": Operation not permitted\n");
         EXPECT_EQ(result.m_strOut.find("16 bits"), std::string::npos) << result.m_strOut;
