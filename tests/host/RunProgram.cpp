@@ -6,6 +6,7 @@
 #include <spawn.h>
 #include <stdlib.h>
 #include <sys/resource.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -27,9 +28,9 @@ constexpr bool kLeakChecker = false;
 
 void PrepareEnvironment() {
     setenv("LC_ALL", "C", 1);
-    // libgomp, which libsoxr brings along, leaves 8 bytes behind when it is unloaded with the plug-in; loaded by the
     // The person who runs the tests may have plug-ins of his own.
     unsetenv("KELO_AUDIO_PLUGINS");
+    // libgomp, which libsoxr brings along, leaves 8 bytes behind when it is unloaded with the plug-in; loaded by the
     // program itself it stays, and the leak checker sees that the bytes are in use.
     if (kLeakChecker) setenv("LD_PRELOAD", "libgomp.so.1", 1);
     if (kLeakChecker) setenv("ASAN_OPTIONS", "verify_asan_link_order=0", 1);
@@ -46,6 +47,7 @@ void LimitStack() {
 
 constexpr std::chrono::milliseconds kPollInterval{2};
 constexpr std::chrono::minutes kTimeLimit{1};
+constexpr std::chrono::seconds kConditionLimit{30};
 
 class CSpawnActions {
 public:
@@ -126,6 +128,18 @@ bool CRunningProgram::HasEnded() {
     return m_bEnded;
 }
 
+int CRunningProgram::CountOpening() const {
+    int count = 0;
+    std::error_code ended;
+    for (const auto& task : std::filesystem::directory_iterator("/proc/" + std::to_string(m_id) + "/task", ended)) {
+        // The number of the system call comes first, proc_pid_syscall(5).
+        long call = -1;
+        std::ifstream(task.path() / "syscall") >> call;
+        if (call == SYS_openat) ++count;
+    }
+    return count;
+}
+
 bool CRunningProgram::WaitFor(std::chrono::milliseconds limit) {
     const auto end = std::chrono::steady_clock::now() + limit;
     while (!HasEnded()) {
@@ -146,6 +160,15 @@ SRunResult CRunningProgram::Wait() {
 
 SRunResult RunProgram(const std::vector<std::string>& command, const std::string& directory) {
     return CRunningProgram(command, directory).Wait();
+}
+
+bool WaitUntil(const std::function<bool()>& condition) {
+    const auto end = std::chrono::steady_clock::now() + kConditionLimit;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() >= end) return false;
+        std::this_thread::sleep_for(kPollInterval);
+    }
+    return true;
 }
 
 std::string ReadWholeFile(const std::string& path) {

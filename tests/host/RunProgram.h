@@ -4,6 +4,7 @@
 #include <sys/types.h>
 
 #include <chrono>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -30,6 +31,9 @@ public:
     // Nothing happens to a program that has ended.
     void Signal(int signal);
 
+    // How many of its threads are waiting in a call that opens a file, as for the other end of a pipe.
+    int CountOpening() const;
+
     // Whether it has ended after at most `limit`.
     bool WaitFor(std::chrono::milliseconds limit);
 
@@ -47,6 +51,9 @@ private:
 };
 
 SRunResult RunProgram(const std::vector<std::string>& command, const std::string& directory = "");
+
+// Whether it becomes true within half a minute.
+bool WaitUntil(const std::function<bool()>& condition);
 
 std::string ReadWholeFile(const std::string& path);
 

@@ -76,21 +76,24 @@ TEST_F(StopSignal, TerminationLeavesNothingBehind) { ExpectStopped(SIGTERM); }
 TEST_F(StopSignal, HangUpLeavesNothingBehind) { ExpectStopped(SIGHUP); }
 
 TEST_F(StopSignal, InterruptEndsTheWayToAFarStart) {
+    m_scratch.Write("work/in.tells", "x");
     CRunningProgram program(
-        {KELOAUDIO, "convert", "in.endless", "out.wav", "--start", "1000:00:00", "--plugins", PluginDirectory()},
+        {KELOAUDIO, "convert", "in.tells", "out.wav", "--start", "1000:00:00", "--plugins", PluginDirectory()},
         WorkDirectory());
-    for (int i = 0; i < kMaxSignals && !program.WaitFor(std::chrono::milliseconds(100)); ++i) program.Signal(SIGINT);
-    ExpectFailure(program.Wait(), {"in.endless: interrupted"}, 128 + SIGINT);
+    EXPECT_TRUE(WaitUntil([this] { return std::filesystem::exists(InWork("in.tells.reached")); }));
+    program.Signal(SIGINT);
+    ExpectFailure(program.Wait(), {"in.tells: interrupted"}, 128 + SIGINT);
     EXPECT_EQ(ReadWholeFile(InWork("out.wav")), "the old content");
 }
 
 TEST_F(StopSignal, InterruptEndsTheWaitForAPipe) {
-    ASSERT_EQ(mkfifo(InWork("pipe.waits").c_str(), 0600), 0);
-    CRunningProgram program({KELOAUDIO, "convert", "pipe.waits", "out.wav", "--plugins", PluginDirectory()},
+    ASSERT_EQ(mkfifo(InWork("pipe.wav").c_str(), 0600), 0);
+    CRunningProgram program({KELOAUDIO, "convert", "pipe.wav", "out.wav", "--plugins", PluginDirectory()},
                             WorkDirectory());
+    EXPECT_TRUE(WaitUntil([&] { return program.CountOpening() == 1; }));
     // The signal may come before the wait begins; then the next one ends it.
     for (int i = 0; i < kMaxSignals && !program.WaitFor(std::chrono::milliseconds(100)); ++i) program.Signal(SIGINT);
-    ExpectFailure(program.Wait(), {"pipe.waits: Interrupted system call"}, 128 + SIGINT);
+    ExpectFailure(program.Wait(), {"pipe.wav: Interrupted system call"}, 128 + SIGINT);
 }
 
 TEST_F(StopSignal, IgnoredHangUpStaysIgnored) {
@@ -121,9 +124,7 @@ TEST_F(StopSignal, FilesThatWereCompleteStay) {
     CRunningProgram program({KELOAUDIO, "convert", "-r", "in", "--to", "wav", "--out-dir", "out", "--jobs", "1",
                              "--quiet", "--plugins", PluginDirectory()},
                             WorkDirectory());
-    for (int i = 0; i < 3000 && !std::filesystem::exists(InWork("out/a.wav")); ++i) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
+    EXPECT_TRUE(WaitUntil([this] { return std::filesystem::exists(InWork("out/a.wav")); }));
     program.Signal(SIGTERM);
     ExpectFailure(program.Wait(), {"keloaudio: interrupted: 1 of 2 files converted"}, 128 + SIGTERM);
     EXPECT_EQ(NamesIn(InWork("out")), std::vector<std::string>{"a.wav"});
@@ -133,12 +134,12 @@ TEST_F(StopSignal, InterruptReachesJobsThatWaitForPipes) {
     std::vector<std::string> command = {KELOAUDIO, "convert", "--to", "flac",      "--out-dir",
                                         "out",     "--jobs",  "4",    "--plugins", PluginDirectory()};
     for (const std::string name : {"a", "b", "c", "d"}) {
-        const std::string pipe = InWork("in/" + name + ".waits");
+        const std::string pipe = InWork("in/" + name + ".wav");
         ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
         command.push_back(pipe);
     }
     CRunningProgram program(command, WorkDirectory());
-    EXPECT_FALSE(program.WaitFor(std::chrono::milliseconds(200)));
+    EXPECT_TRUE(WaitUntil([&] { return program.CountOpening() == 4; }));
     program.Signal(SIGINT);
     const SRunResult result = program.Wait();
     EXPECT_EQ(result.m_nExit, 128 + SIGINT);
