@@ -28,8 +28,11 @@ std::string AskSoxi(const std::string& question, const std::string& path) {
 }
 
 int LargestDifference(const std::string& left, const std::string& right) {
+    if (left.size() != right.size()) {
+        throw std::runtime_error(std::to_string(left.size()) + " bytes of samples and " + std::to_string(right.size()));
+    }
     int largest = 0;
-    for (std::size_t i = 0; i + 1 < left.size() && i + 1 < right.size(); i += 2) {
+    for (std::size_t i = 0; i + 1 < left.size(); i += 2) {
         const auto sample = [i](const std::string& bytes) {
             return static_cast<std::int16_t>(static_cast<unsigned char>(bytes[i]) |
                                              static_cast<unsigned char>(bytes[i + 1]) << 8);

@@ -16,5 +16,5 @@ std::string FlacSamples(const std::string& path);
 // soxi's answer to one question: -r rate, -b bits, -c channels, -s frames.
 std::string AskSoxi(const std::string& question, const std::string& path);
 
-// Between 16-bit samples of two blocks of the same size.
+// Between the 16-bit samples of two blocks. Throws when their sizes differ.
 int LargestDifference(const std::string& left, const std::string& right);
