@@ -110,6 +110,15 @@ TEST_F(Convert, ExistingOutputIsReplaced) {
     EXPECT_EQ(SoxSamples(InWork("out.wav"), 16), SoxSamples(kFrontCenter, 16));
 }
 
+TEST_F(Convert, ExistingOutputIsKeptOnRequest) {
+    m_scratch.Write("work/out.wav", "the old content");
+    EXPECT_EQ(Run({"convert", kFrontCenter, "out.wav", "--skip-existing"}).m_strOut,
+              std::string(kFrontCenter) + " -> out.wav: skipped, it is there\n");
+    EXPECT_EQ(ReadWholeFile(InWork("out.wav")), "the old content");
+    std::filesystem::remove(InWork("out.wav"));
+    ExpectConverted(Run({"convert", kFrontCenter, "out.wav", "--skip-existing"}), "out.wav: 48000 Hz");
+}
+
 TEST_F(Convert, LinkToTheOutputStaysALink) {
     m_scratch.Write("work/real.wav", "the old content");
     std::filesystem::create_symlink("real.wav", InWork("out.wav"));
