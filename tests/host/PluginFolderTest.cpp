@@ -10,6 +10,12 @@ protected:
         ExpectFailure(RunWithChosen({"convert", kFrontCenter, "out.wav"}), {PluginDirectory() + ": " + words});
         EXPECT_EQ(NamesIn(WorkDirectory()), std::vector<std::string>{});
     }
+
+    // With this value of the environment variable.
+    static SRunResult ListWithVariable(const std::string& directory, std::vector<std::string> options) {
+        options.insert(options.begin(), {"env", "KELO_AUDIO_PLUGINS=" + directory, KELOAUDIO, "list"});
+        return RunProgram(options);
+    }
 };
 
 }  // namespace
@@ -53,6 +59,23 @@ TEST_F(PluginFolder, UnusableNeighboursDoNotHarm) {
 TEST_F(PluginFolder, RelativeDirectoryIsFoundFromTheCurrentOne) {
     UsePlugin(KELO_PLUGINS, "sndfile.so");
     ExpectConverted(Run({"convert", kFrontCenter, "out.wav", "--plugins", "../plugins"}), "out.wav: 48000 Hz");
+}
+
+TEST_F(PluginFolder, OptionComesBeforeTheVariable) {
+    const SRunResult result = ListWithVariable(PluginDirectory(), {"--plugins", SoundPluginDirectory()});
+    EXPECT_EQ(result.m_nExit, 0) << result.m_strErr;
+    ExpectFailure(ListWithVariable(SoundPluginDirectory(), {"--plugins", PluginDirectory()}),
+                  {PluginDirectory() + ": no plug-ins (*.so) here"});
+}
+
+TEST_F(PluginFolder, VariableComesBeforeTheInstalledOne) {
+    ExpectFailure(ListWithVariable(PluginDirectory(), {}), {PluginDirectory() + ": no plug-ins (*.so) here"});
+}
+
+TEST_F(PluginFolder, EmptyVariableMeansTheInstalledOne) {
+    const SRunResult result = ListWithVariable("", {"--trust-plugins"});
+    EXPECT_EQ(result.m_nExit, 0) << result.m_strErr;
+    EXPECT_EQ(result.m_strOut, RunPlain({"list", "--trust-plugins"}).m_strOut);
 }
 
 TEST_F(PluginFolder, WithoutAConvertorNothingConverts) {
