@@ -2,6 +2,8 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <map>
+#include <nlohmann/json.hpp>
 
 #include "tests/host/KeloAudio.h"
 #include "tests/host/SoundTools.h"
@@ -59,6 +61,29 @@ TEST_F(FloatSource, LossySourcesBecomeSixteenBits) {
         SCOPED_TRACE(input);
         ExpectConverted(Run({"convert", input, "out.flac"}), "32-bit float");
         EXPECT_EQ(AskSoxi("-b", InWork("out.flac")), "16");
+    }
+}
+
+TEST_F(FloatSource, ExtensionTellsWhetherASourceIsLossy) {
+    // The decoder goes by the content, which is Vorbis in all of them.
+    const std::map<std::string, int> bits = {{"a.oga", 16}, {"b.OGA", 16}, {"c.m4a", 16}, {"d.Aac", 16},
+                                             {"e.mp3", 16}, {"f.caf", 24}, {"g.MOV", 24}, {"h.wav", 24}};
+    std::vector<std::string> arguments = {"convert", "--to", "flac", "--out-dir", "out", "--json"};
+    for (const auto& entry : bits) {
+        std::filesystem::copy_file(kComplete, InWork(entry.first));
+        arguments.push_back(entry.first);
+    }
+    const nlohmann::json report = nlohmann::json::parse(Run(arguments).m_strOut);
+    ASSERT_EQ(report.at("converted"), bits.size()) << report;
+    for (const nlohmann::json& file : report.at("files")) {
+        EXPECT_EQ(file.at("target").at("bits"), bits.at(file.at("input"))) << file;
+    }
+}
+
+TEST_F(FloatSource, LossySourcesStayFineInLossyOutputs) {
+    for (const std::string output : {"out.ogg", "out.OPUS", "out.Mp3"}) {
+        const nlohmann::json report = nlohmann::json::parse(Run({"convert", kComplete, output, "--json"}).m_strOut);
+        EXPECT_EQ(report.at("target").at("bits"), 32) << report;
     }
 }
 
