@@ -55,32 +55,6 @@ TEST_F(StandardOutput, LeavesNoTemporaryFileBehind) {
     EXPECT_EQ(NamesIn(temporaries), std::vector<std::string>{});
 }
 
-TEST_F(StandardOutput, DoesNotTouchWhatOthersPutIntoTheTemporaryDirectory) {
-    const std::string temporaries = m_scratch / "tmp";
-    for (const std::string name : {"keloaudio.wav", "link", "keloaudio"}) {
-        SCOPED_TRACE(name);
-        std::filesystem::create_directory(temporaries);
-        m_scratch.Write("tmp/" + name, "theirs");
-        std::filesystem::create_symlink(m_scratch / "elsewhere/x.wav", temporaries + "/keloaudio.flac");
-        for (const std::string extension : {"wav", "flac"}) {
-            const SRunResult result = RunProgram({"env", "TMPDIR=" + temporaries, KELOAUDIO, "convert", kFrontCenter,
-                                                  "--stdout", "--to", extension, "--plugins", SoundPluginDirectory()});
-            EXPECT_EQ(result.m_nExit, 0) << result.m_strErr;
-            EXPECT_FALSE(result.m_strOut.empty());
-        }
-        EXPECT_EQ(ReadWholeFile(temporaries + "/" + name), "theirs");
-        std::filesystem::remove_all(temporaries);
-    }
-}
-
-TEST_F(StandardOutput, ReadsAnInputThatHasTheTemporarysName) {
-    std::filesystem::copy_file(kFrontCenter, InWork("keloaudio.wav"));
-    const SRunResult result = RunProgram({"env", "TMPDIR=" + WorkDirectory(), KELOAUDIO, "convert", "keloaudio.wav",
-                                          "--stdout", "--plugins", SoundPluginDirectory()},
-                                         WorkDirectory());
-    EXPECT_EQ(result.m_nExit, 0) << result.m_strErr;
-}
-
 TEST_F(StandardOutput, GoesWithOneInputAndNoOtherOutput) {
     ExpectFailure(Run({"convert", kFrontCenter, kComplete, "--stdout"}), {"--stdout: takes exactly one input"}, 2);
     for (const std::string option :
