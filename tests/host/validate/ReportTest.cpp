@@ -62,6 +62,13 @@ TEST(ValidateReport, JsonCountsWhatItLists) {
               summary.at("checks"));
 }
 
+TEST(ValidateReport, SlowLoadingIsANoteAndNoFinding) {
+    const nlohmann::json report = ValidateJson(CFixturePlugin("LoadsSlowly").Path(), {"--only", "entry/opens"});
+    EXPECT_EQ(FindingsIn(report), std::vector<std::string>());
+    ASSERT_EQ(report.at("notes").size(), 1u) << report.dump(1);
+    EXPECT_TRUE(Contains(report.at("notes").at(0), " ms, more than 5")) << report.dump(1);
+}
+
 TEST(ValidateReport, ACheckWhoseNeededOneFailedIsSkippedAndSaysSo) {
     const nlohmann::json report = ValidateJson(CFixturePlugin("StreamDoesNotStart").Path());
     EXPECT_EQ(SeenBy(report, "source/reads-to-end"), "source/start did not pass");

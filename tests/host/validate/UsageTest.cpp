@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/host/validate/ValidateRun.h"
+#include "tests/support/ProcessState.h"
 
 namespace {
 
@@ -98,6 +99,21 @@ TEST(ValidateUsage, AUrlReplacesTheValidatorsOwnServer) {
         ValidateJson(CFixturePlugin("CleanHandler").Path(), {"--only", "handler", "--url", "http://127.0.0.1:1/x.wav"});
     EXPECT_EQ(FindingsIn(report), CNames{"handler/fetches failed"});
     EXPECT_EQ(SeenBy(report, "handler/refuses-missing"), "the resource is not the validator's own");
+}
+
+// Each of the checks waits for the other two.
+TEST(ValidateUsage, JobsAreChecksBesideEachOther) {
+    const std::string checks = "component/null-status,component/initialize-again,component/type-stable";
+    const nlohmann::json report = ValidateJson(CFixturePlugin("MeetsItself").Path(), {"--jobs", "3", "--only", checks});
+    EXPECT_EQ(FindingsIn(report), CNames()) << report.dump(1);
+    EXPECT_EQ(report.at("summary").at("passed"), 3) << report.dump(1);
+}
+
+TEST(ValidateUsage, TheValidatorsOwnServerIsReachedWithoutAProxy) {
+    if (!std::filesystem::exists(KELO_PLUGINS "/curl.so")) GTEST_SKIP() << "no plug-in that knows proxies";
+    const CScopedVariable proxy("http_proxy", "http://127.0.0.1:1");
+    const nlohmann::json report = ValidateJson(KELO_PLUGINS "/curl.so", {"--only", "handler"});
+    EXPECT_EQ(FindingsIn(report), CNames()) << report.dump(1);
 }
 
 TEST(ValidateUsage, NothingIsLeftAmongTheTemporaryFiles) {
