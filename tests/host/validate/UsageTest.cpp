@@ -1,5 +1,6 @@
 // How the validator is asked.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "tests/host/validate/ValidateRun.h"
 #include "tests/support/ProcessState.h"
@@ -114,6 +115,23 @@ TEST(ValidateUsage, TheValidatorsOwnServerIsReachedWithoutAProxy) {
     const CScopedVariable proxy("http_proxy", "http://127.0.0.1:1");
     const nlohmann::json report = ValidateJson(KELO_PLUGINS "/curl.so", {"--only", "handler"});
     EXPECT_EQ(FindingsIn(report), CNames()) << report.dump(1);
+}
+
+TEST(ValidateUsage, ReferencePluginsThatOthersCouldReplaceAreLeftOut) {
+    const CScratchDirectory scratch;
+    for (const char* const name : {"bin", "plugins"}) std::filesystem::create_directory(scratch / name);
+    std::filesystem::copy_file(KELOAUDIO, scratch / "bin/keloaudio");
+    std::filesystem::copy_file(KELO_PLUGINS "/sndfile.so", scratch / "plugins/sndfile.so");
+    const CFixturePlugin encoder("CleanEncoder");
+    const auto report = [&] {
+        return RunProgram({scratch / "bin/keloaudio", "validate", "--timeout", "60", "--verbose", "--only",
+                           "encoder/decodes-again", encoder.Path()})
+            .m_strOut;
+    };
+    ASSERT_EQ(chmod((scratch / "plugins").c_str(), 0755), 0);
+    EXPECT_EQ(report().find("CleanEncoder.so: encoder/decodes-again passed ("), 0u) << report();
+    ASSERT_EQ(chmod((scratch / "plugins").c_str(), 0777), 0);
+    EXPECT_NE(report().find("no decoder at hand lists what its encoders write"), std::string::npos) << report();
 }
 
 TEST(ValidateUsage, NothingIsLeftAmongTheTemporaryFiles) {
