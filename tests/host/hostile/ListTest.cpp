@@ -105,6 +105,17 @@ TEST_F(ListBesideHostile, PluginsThatHangAreAllNamedAfterOneMoreWait) {
     }
 }
 
+// Each of them waits for the other two.
+TEST_F(ListBesideHostile, PluginsAreLookedAtSideBySide) {
+    for (const std::string name : {"MeetsInInitialize", "MeetsInGetName", "MeetsInTerminate"}) UseHostile(name);
+    const SRunResult result = RunWithChosen({"list", "--timeout", "60"});
+    for (const std::string name : {"MeetsInInitialize", "MeetsInGetName", "MeetsInTerminate"}) {
+        EXPECT_NE(result.m_strOut.find("  " + name + ".so 0  "), std::string::npos) << result.m_strOut;
+    }
+    EXPECT_EQ(result.m_strErr, "keloaudio: " + PluginDirectory() +
+                                   ": aborted (signal 6) with all plug-ins loaded, but with none of them alone\n");
+}
+
 TEST_F(ListBesideHostile, SignalEndsTheWaitForAPluginThatHangs) {
     UseHostile("LingersInEntry");
     CRunningProgram program({KELOAUDIO, "list", "--timeout", "3600", "--plugins", PluginDirectory()}, WorkDirectory());
