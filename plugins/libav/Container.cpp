@@ -202,13 +202,13 @@ bool CContainer::ReadPacket(AVPacket& packet) {
     return true;
 }
 
-// Where Ogg streams are chained, libavformat hands out the next one's headers: its identification (RFC 7845, 5.1; the
+// Where Ogg streams are chained, libavformat hands out the next one's headers: its identification (RFC 7845, 5; the
 // manual of Speex, 7) and its comments.
 bool CContainer::IsHeader(const AVPacket& packet) {
     const AVCodecID codec = m_pStream->codecpar->codec_id;
     if (codec != AV_CODEC_ID_OPUS && codec != AV_CODEC_ID_SPEEX) return false;
     const std::string_view bytes(reinterpret_cast<const char*>(packet.data), static_cast<std::size_t>(packet.size));
-    const bool comments = m_bHeaderBefore;
+    const bool comments = m_bHeaderBefore && (codec == AV_CODEC_ID_SPEEX || bytes.substr(0, 8) == "OpusTags");
     m_bHeaderBefore = bytes.substr(0, 8) == "OpusHead" || bytes.substr(0, 8) == "Speex   ";
     if (m_bHeaderBefore && codec == AV_CODEC_ID_OPUS && bytes.size() > 11) m_strPreSkip = bytes.substr(10, 2);
     return m_bHeaderBefore || comments;

@@ -79,11 +79,16 @@ bool CLibavSound::FindSamples() {
 bool CLibavSound::NextBlock() {
     if (m_track.Next()) {
         RequireSameFormat();
-        if (m_length.m_bByTimes && !m_track.HasSteadyTimes()) m_length = {};
+        if (IsLengthDisproved()) m_length = {};
         return true;
     }
     NoteEnd();
     return false;
+}
+
+// By what has been read of a file that is too large to be looked through.
+bool CLibavSound::IsLengthDisproved() {
+    return (m_length.m_bByTimes && !m_track.HasSteadyTimes()) || (m_length.m_bPromised && m_track.IsJoined());
 }
 
 void CLibavSound::RequireSameFormat() const {

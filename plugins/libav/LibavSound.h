@@ -36,6 +36,7 @@ public:
 private:
     bool FindSamples();
     bool NextBlock();
+    bool IsLengthDisproved();
     void RequireSameFormat() const;
     void NoteEnd();
     std::int64_t BlockEnd() const;

@@ -66,13 +66,18 @@ bool CPositionedTrack::HasSteadyTimes() {
         m_steadiness = found.m_eSteadiness;
         m_timeline->LimitGrid(found.m_nGrid);
     }
-    return *m_steadiness != UNSTEADY;
+    return *m_steadiness == STEADY || *m_steadiness == TAKEN_FOR_STEADY;
 }
 
-// The first block may lack the encoder's delay.
+bool CPositionedTrack::IsJoined() { return !HasSteadyTimes() && *m_steadiness == JOINED; }
+
+// The first block may lack the encoder's delay. Timestamps that are wrong by a packet do not go back by a second.
 void CPositionedTrack::NoteBreak(const SStamp& stamp) {
     const bool breaks = ++m_nStamps > 2 && !m_timeline->Continues(m_before, stamp);
-    if (breaks && m_steadiness == TAKEN_FOR_STEADY) m_steadiness = UNSTEADY;
+    if (breaks && (m_steadiness == TAKEN_FOR_STEADY || m_steadiness == UNSTEADY)) {
+        const std::int64_t back = m_timeline->PositionNear(m_before.m_nTime) - m_timeline->PositionNear(stamp.m_nTime);
+        m_steadiness = back > Block().sample_rate ? JOINED : UNSTEADY;
+    }
     m_before = stamp;
 }
 

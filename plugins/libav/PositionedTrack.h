@@ -35,6 +35,9 @@ public:
     // while reading a file that is too large to be looked through.
     bool HasSteadyTimes();
 
+    // Whether they go back, where another recording was joined on; known as far as the above.
+    bool IsJoined();
+
     // Where the sound ends, by the timestamps of its end; none where they do not tell it to the frame. The place is
     // lost until Restart. Throws CDamage.
     std::optional<std::int64_t> FindEnd();

@@ -67,16 +67,17 @@ std::int64_t EndOf(CPositionedTrack& track) {
 
 }  // namespace
 
+// What a joined file declares is the length of one of its recordings. What it declares with gaps stays promised.
 SSoundLength LengthOf(const std::shared_ptr<const CInputFile>& file, CPositionedTrack& track) {
     const SKnownFormat& format = track.Track().Container().Format();
     const std::int64_t told = FramesOf(track, track.Track().Container().Duration());
-    if (format.m_eLength == LS_FRAMES && told > 0 && track.HasSteadyTimes()) return {told, false, true};
+    if (format.m_eLength == LS_FRAMES && told > 0 && !track.IsJoined()) return {told, false, true};
     const std::int64_t timed = told - PreSkipOf(track.Track().Container().Stream());
-    if (format.m_eLength == LS_TIME && timed > 0 && track.HasSteadyTimes()) {
+    if (format.m_eLength == LS_TIME && timed > 0 && !track.IsJoined()) {
         return {timed, false, true, track.Block().sample_rate / kTimesPerSecond};
     }
     const std::int64_t end = EndOf(track);
     const std::int64_t declared = format.m_eLength == LS_EDITS ? DeclaredLength(file, track) : 0;
     const bool padded = declared > 0 && declared < end && end - declared <= kMostPadding;
-    return {padded ? declared : end, padded, false, 0, true};
+    return {padded ? declared : end, padded, false, 0, end > 0};
 }

@@ -19,7 +19,7 @@
 namespace {
 
 // A larger file is most often a film with little sound in it.
-constexpr std::uint64_t kMostBytes = 1 << 29;
+constexpr std::uint64_t kMostBytes = 1 << 26;
 
 // Packets that are decoded to see how many frames they give.
 constexpr std::size_t kDecodedPackets = 16;
@@ -156,12 +156,22 @@ public:
         return !packet.m_bOwnTime || !m_timeline.IsPossible(packet.m_nTime) || AcceptsStamp(stamp);
     }
 
+    // What a packet that is not accepted shows.
+    SSteadiness Break() const { return {m_bGoesBack ? JOINED : UNSTEADY}; }
+
     std::int64_t Grid() const { return m_nGrid; }
 
 private:
     // libavformat may ascribe a timestamp to the packet before. What breaks off stays so.
     bool AcceptsStamp(const SStamp& stamp) {
-        m_nOutOfLine = IsInLine(stamp) ? 0 : m_nOutOfLine + 1;
+        if (IsInLine(stamp)) {
+            m_nOutOfLine = 0;
+            m_bGoesBack = false;
+            m_nLatest = std::max(m_nLatest, stamp.m_nTime);
+        } else {
+            ++m_nOutOfLine;
+            m_bGoesBack = m_bGoesBack || stamp.m_nTime < m_nLatest;
+        }
         return m_nOutOfLine < 2;
     }
 
@@ -201,6 +211,8 @@ private:
     std::int64_t m_nPackets = 0;
     int m_nStamps = 0;
     int m_nOutOfLine = 0;  // stamps in turn
+    bool m_bGoesBack = false;
+    std::int64_t m_nLatest = INT64_MIN;  // of the stamps in line
     SStamp m_base{};
     SStamp m_step{};
     SStamp m_last{};
@@ -222,9 +234,9 @@ SSteadiness LookThrough(CPacketScan& scan) {
     const CContainer& container = scan.Container();
     CStampLine line(CTimeline(container.Stream().time_base, scan.Rate()), way, container.Format().m_eTimes == TJ_VAGUE);
     const auto accepts = [&line](const SPacket& next) { return line.Accepts(next); };
-    if (!std::all_of(packets.begin(), packets.end(), accepts)) return {UNSTEADY};
+    if (!std::all_of(packets.begin(), packets.end(), accepts)) return line.Break();
     while ((packet = scan.Next())) {
-        if (!line.Accepts(*packet)) return {UNSTEADY};
+        if (!line.Accepts(*packet)) return line.Break();
     }
     return {STEADY, line.Grid()};
 }

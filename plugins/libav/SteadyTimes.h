@@ -7,7 +7,8 @@
 #include "plugins/libav/InputFile.h"
 
 enum ESteadiness {
-    UNSTEADY,
+    UNSTEADY,  // with gaps, or damaged
+    JOINED,    // going back, where another recording was joined on
     STEADY,
     TAKEN_FOR_STEADY,  // a large file, which is not looked through: that would take as long as reading it
 };

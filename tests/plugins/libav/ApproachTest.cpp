@@ -39,7 +39,7 @@ TEST(LibavApproach, LeadsToTheBlockOfEveryPosition) {
     }
 }
 
-TEST(LibavApproach, FindsTheEndWithoutReadingTheWholeFile) {
+TEST(LibavApproach, LeadsToTheEndOfTheSound) {
     for (const std::string& name : kFiles) {
         EXPECT_EQ(TrackOf(name).FindEnd(), LengthOf(name)) << name;
     }

@@ -3,6 +3,7 @@
 
 #include "tests/plugins/libav/DecoderUnderTest.h"
 #include "tests/plugins/libav/MediaTable.h"
+#include "tests/plugins/libav/WrittenFiles.h"
 #include "tests/support/ScratchDirectory.h"
 
 namespace {
@@ -103,16 +104,40 @@ TEST_F(LibavDamage, IsSteppedOverByASeek) {
 }
 
 TEST_F(LibavDamage, SoundThatPromisesMoreFramesThanItHasIsCutShort) {
-    std::string content = Content(Media("source.wv"));
-    // From one block to the next: "wvpk" and the size of what follows.
+    const std::string content = Content(Media("source.wv"));
     std::size_t end = 0;
-    for (int block = 0; block < 4; ++block)
-        end += 8 + static_cast<std::size_t>(Sample16(content, (end + 4) / 2)) % 65536;
+    for (int block = 0; block < 4; ++block) end += BlockSize(content, end);
     SSource source(m_scratch.Write("x.wv", content.substr(0, end)));
     EXPECT_EQ(source.m_blocks->GetDataLength(), 176401u);
     const std::string samples = source.ReadOn();
     EXPECT_EQ(source.m_strFailure,
               "x.wv: cut short: " + std::to_string(samples.size() / 4) + " of 176401 frames are there");
+}
+
+TEST_F(LibavDamage, SoundThatLacksABlockInTheMiddleIsCutShort) {
+    const std::string path = m_scratch / "x.wv";
+    RunTool("wavpack -q --blocksize=4096 '" + Media("source.wav") + "' -o " + path);
+    const std::string content = Content(path);
+    for (const int block : {2, 20}) {
+        SSource source(m_scratch.Write("x.wv", WithoutPieces(content, BlockSize, block)));
+        EXPECT_EQ(source.m_blocks->GetDataLength(), 176401u) << block;
+        const std::string samples = source.ReadOn();
+        EXPECT_EQ(source.m_strFailure, "x.wv: cut short: 172305 of 176401 frames are there") << block;
+        ASSERT_TRUE(source.m_seekable->Seek(100000, nullptr)) << block;
+        EXPECT_TRUE(source.ReadOn() == samples.substr(100000 * 4)) << block;
+    }
+}
+
+TEST_F(LibavDamage, SoundThatLacksPagesInTheMiddleIsCutShort) {
+    const std::string content = Content(Media("speech.spx"));
+    SSource whole(Media("speech.spx"));
+    const std::uint64_t length = whole.m_blocks->GetDataLength();
+    for (const int page : {3, 4}) {
+        SSource source(m_scratch.Write("x.spx", WithoutPieces(content, PageSize, page)));
+        EXPECT_EQ(source.m_blocks->GetDataLength(), length) << page;
+        EXPECT_LT(source.ReadOn().size() / 2, length) << page;
+        EXPECT_THAT(source.m_strFailure, testing::StartsWith("x.spx: cut short: ")) << page;
+    }
 }
 
 // A broadcast has no beginning and no end of its own.

@@ -96,7 +96,7 @@ TEST(LibavChapters, OneAtTheEndOfTheSoundIsLeftOut) {
     const std::string chapters = scratch.Write("chapters",
                                                ";FFMETADATA1\n[CHAPTER]\nTIMEBASE=1/44100\nSTART=0\nEND=1000\n"
                                                "[CHAPTER]\nTIMEBASE=1/44100\nSTART=88200\nEND=90000\n");
-    RunTool("ffmpeg -t 2 -i " + Media("source.wav") + " -i " + chapters + " -map_chapters 1 -c:a flac " +
+    RunTool("ffmpeg -t 2 -i '" + Media("source.wav") + "' -i " + chapters + " -map_chapters 1 -c:a flac " +
             scratch / "x.mka");
     EXPECT_EQ(IndexOf(scratch / "x.mka"), (std::vector<std::uint64_t>{0, kNoIndexPoint}));
 }

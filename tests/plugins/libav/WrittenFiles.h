@@ -68,6 +68,31 @@ inline std::string DffFile(const std::string& left, const std::string& right, in
     return "FRM8" + BigEndian(body.size(), 8) + body;
 }
 
+inline std::size_t Byte(const std::string& content, std::size_t at) { return static_cast<unsigned char>(content[at]); }
+
+// Of the Ogg page at an offset: its header, the table of the segments' lengths and the segments (RFC 3533, 6).
+inline std::size_t PageSize(const std::string& content, std::size_t at) {
+    const std::size_t segments = Byte(content, at + 26);
+    std::size_t size = 27 + segments;
+    for (std::size_t i = 0; i < segments; ++i) size += Byte(content, at + 27 + i);
+    return size;
+}
+
+// Of the WavPack block at an offset, below 64 KiB: "wvpk" and the size of what follows.
+inline std::size_t BlockSize(const std::string& content, std::size_t at) {
+    return 8 + Byte(content, at + 4) + 256 * Byte(content, at + 5);
+}
+
+// `content` without `count` of its pages or blocks from `first` on.
+inline std::string WithoutPieces(const std::string& content, std::size_t sizeOf(const std::string&, std::size_t),
+                                 int first, int count = 1) {
+    std::size_t begin = 0;
+    while (first-- > 0) begin += sizeOf(content, begin);
+    std::size_t end = begin;
+    while (count-- > 0) end += sizeOf(content, end);
+    return content.substr(0, begin) + content.substr(end);
+}
+
 // A WAV file of `valid` bits in samples of `format`'s width (WAVE_FORMAT_EXTENSIBLE).
 inline std::string ExtensibleWav(const SWavFormat& format, int valid, const std::string& samples) {
     const auto number = [](std::int64_t value, int bytes) {
