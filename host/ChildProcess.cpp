@@ -57,7 +57,7 @@ CChildProcess::CChildProcess(const std::function<void()>& run, std::chrono::mill
     signal(SIGCHLD, SIG_DFL);
     std::fflush(nullptr);
     m_id = fork();
-    if (m_id == -1) throw CFailure("a process for plug-ins", SystemErrorText(errno));
+    if (m_id == -1) throw CFailure("a process of its own", SystemErrorText(errno));
     if (m_id == 0) RunInChild(run, showsErrors);
     // The declaration in glibc 2.36 lacks the C linkage that C++ needs.
     m_nDescriptor = static_cast<int>(syscall(SYS_pidfd_open, m_id, 0));
@@ -65,7 +65,7 @@ CChildProcess::CChildProcess(const std::function<void()>& run, std::chrono::mill
     const int reason = errno;
     kill(m_id, SIGKILL);
     Reap(0);
-    throw CFailure("a process for plug-ins", "cannot be watched: " + SystemErrorText(reason));
+    throw CFailure("a process of its own", "cannot be watched: " + SystemErrorText(reason));
 }
 
 CChildProcess::~CChildProcess() {

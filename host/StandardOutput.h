@@ -7,6 +7,6 @@
 // command fails then, and one line tells it. One thread.
 void FlushStandardOutput();
 
-// Writes bytes past what was printed, which is flushed before. Throws CFailure when they cannot be written, and once a
-// signal asks to stop, however slowly they are taken. One thread.
+// Writes bytes past what was printed, which is flushed before. Throws CFailure when they cannot be written, and when a
+// signal asks to stop before all of them are taken. One thread.
 void WriteToStandardOutput(const char* data, std::size_t size);

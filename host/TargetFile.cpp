@@ -33,7 +33,7 @@ const mode_t g_nModeOfNewFile = ModeOfNewFile();
 
 // Whether the kernel lets the name of this file, which is no directory, have another one put in its place: in a sticky
 // directory that is its owner's alone. Asked in a way that changes nothing: rmdir looks for the right first.
-bool MayBeReplaced(const std::string& file) { return rmdir(file.c_str()) == 0 || (errno != EPERM && errno != EACCES); }
+bool MayBeReplaced(const std::string& file) { return rmdir(file.c_str()) == 0 || errno != EPERM; }
 
 // Returns the mode that the output is to have.
 mode_t RequireReplaceable(const std::string& given, const std::string& output, const char* source) {

@@ -9,6 +9,7 @@
 #include "host/FailureText.h"
 #include "host/FormatText.h"
 #include "host/PluginCall.h"
+#include "host/PluginSession.h"
 
 namespace {
 
@@ -38,7 +39,9 @@ private:
 // "quality (0 to 10), bitrate (6 to 510 kbit/s)".
 std::string SettingsText(INamedSettings& settings) {
     std::vector<std::string> texts;
-    for (int i = 0; i < settings.GetSettingCount(); ++i) {
+    const int count = settings.GetSettingCount();
+    if (!IsPossibleCount(count)) return "an impossible count of them, " + std::to_string(count);
+    for (int i = 0; i < count; ++i) {
         const char* const name = settings.GetSettingName(i);
         const char* const values = settings.GetSettingValues(i);
         if (name != nullptr) texts.push_back(name + (values != nullptr ? " (" + std::string(values) + ")" : ""));

@@ -4,15 +4,17 @@
 #include <stdlib.h>
 
 #include <string>
+#include <system_error>
 
 #include "host/Failure.h"
 
 namespace {
 
-// What std::filesystem::temp_directory_path asks, which names no directory that it refuses.
+// The variables that std::filesystem::temp_directory_path asks; that function does not name what it refuses.
 std::string NameOfPlace() {
     for (const char* const variable : {"TMPDIR", "TMP", "TEMP", "TEMPDIR"}) {
-        if (const char* const place = getenv(variable)) return place;
+        const char* const place = getenv(variable);
+        if (place != nullptr && *place != '\0') return place;
     }
     return "/tmp";
 }
@@ -20,8 +22,10 @@ std::string NameOfPlace() {
 }  // namespace
 
 std::filesystem::path TemporaryDirectory() {
+    const std::string place = NameOfPlace();
     std::error_code error;
-    std::filesystem::path place = std::filesystem::temp_directory_path(error);
-    if (error) throw CFailure(NameOfPlace(), "there is no temporary directory (TMPDIR): " + error.message());
+    const bool there = std::filesystem::is_directory(place, error);
+    if (!there && !error) error = std::make_error_code(std::errc::not_a_directory);
+    if (error) throw CFailure(place, "there is no temporary directory (TMPDIR): " + error.message());
     return place;
 }

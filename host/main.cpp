@@ -41,21 +41,30 @@ int ReportWrongUsage(const std::string& text, const CCommands& commands) {
     return kExitWrongUsage;
 }
 
+// Whether a command has this option, and with a value.
+bool TakesValue(const CCommands& commands, const std::string& option) {
+    return std::any_of(commands.begin(), commands.end(), [&option](const auto& command) {
+        const CLI::Option* const defined = command.first->get_option_no_throw(option);
+        return defined != nullptr && defined->get_items_expected_max() > 0;
+    });
+}
+
 // "--out-dir=", as a script writes it whose variable is empty.
-bool IsOptionWithEmptyValue(const std::string& argument) {
-    return argument.size() > 3 && argument.compare(0, 2, "--") == 0 && argument.find('=') == argument.size() - 1;
+bool IsOptionWithEmptyValue(const CCommands& commands, const std::string& argument) {
+    return argument.size() > 3 && argument.compare(0, 2, "--") == 0 && argument.find('=') == argument.size() - 1 &&
+           TakesValue(commands, argument.substr(0, argument.size() - 1));
 }
 
 // In CLI11's order, the last one first. CLI11 takes a name in square brackets for a list, which "./" before it
 // prevents, and gives an option with an empty value the next argument as its value, unless the empty one is that.
-std::vector<std::string> ArgumentsOf(int argc, char** argv) {
+std::vector<std::string> ArgumentsOf(const CCommands& commands, int argc, char** argv) {
     std::vector<std::string> arguments;
     bool namesOnly = false;
     for (int i = 1; i < argc; ++i) {
         std::string argument = argv[i];
         namesOnly = namesOnly || argument == "--";
         if (!argument.empty() && argument.front() == '[' && argument.back() == ']') argument.insert(0, "./");
-        const bool emptyValue = !namesOnly && IsOptionWithEmptyValue(argument);
+        const bool emptyValue = !namesOnly && IsOptionWithEmptyValue(commands, argument);
         if (emptyValue) argument.pop_back();
         arguments.push_back(std::move(argument));
         if (emptyValue) arguments.emplace_back();
@@ -95,7 +104,7 @@ int RunCommandLine(int argc, char** argv) {
         commands.emplace_back(defined, command->m_pDefine(*defined));
     }
     try {
-        app.parse(ArgumentsOf(argc, argv));
+        app.parse(ArgumentsOf(commands, argc, argv));
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() != 0) return ReportWrongUsage(error.what(), commands);
         app.exit(error);

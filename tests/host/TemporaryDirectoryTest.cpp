@@ -25,6 +25,11 @@ TEST_F(TemporaryPlace, OneThatIsNotThereIsNamed) {
     ExpectRefused(m_scratch.Write("file", "words"), "Not a directory");
 }
 
+TEST_F(TemporaryPlace, EmptyVariableIsNone) {
+    const SRunResult result = RunIn("", {"convert", "--stdout", kFrontCenter, "--plugins", SoundPluginDirectory()});
+    EXPECT_EQ(result.m_nExit, 0) << result.m_strErr;
+}
+
 TEST_F(TemporaryPlace, OneThatTakesNoDirectoryIsNamed) {
     // Nobody makes directories among the processes.
     ExpectFailure(RunIn("/proc", {"validate", SoundPluginDirectory() + "/soxr.so"}),

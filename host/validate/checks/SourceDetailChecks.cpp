@@ -1,5 +1,6 @@
 // What a decoder stream tells about its file: tags, index points, name, the format with its qualifier.
 #include "host/FormatText.h"
+#include "host/PluginSession.h"
 #include "host/validate/Checks.h"
 #include "host/validate/FormatRules.h"
 #include "host/validate/Outcome.h"
@@ -59,7 +60,7 @@ void HasIndexPointsInside(CTrial& trial) {
     ForEachFace<IIndexArray>(trial, IID_IIndexArray, "IIndexArray", [](CSource& source, IIndexArray& index) {
         const std::uint64_t length = source.Blocks().GetDataLength();
         const int count = index.GetIndexNumber();
-        Expect(count >= 0, "a count of " + std::to_string(count));
+        Expect(IsPossibleCount(count), "a count of " + std::to_string(count));
         for (int i = 0; i < count; ++i) {
             const std::uint64_t point = index.GetIndex(i);
             Expect(point != kNoIndexPoint,

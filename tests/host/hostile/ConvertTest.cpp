@@ -79,6 +79,13 @@ TEST_F(ConvertBesideHostile, PluginThatRefusesToFinishDoesNotHoldUpTheEnd) {
     unsetenv("LSAN_OPTIONS");
 }
 
+TEST_F(ConvertBesideHostile, NamesOfComponentsAreNotAskedFor) {
+    UseHostile("ThrowsIntInGetName");
+    const SRunResult result = RunWithChosen({"convert", kFrontCenter, "out.wav"});
+    EXPECT_EQ(result.m_nExit, 0);
+    EXPECT_EQ(result.m_strErr, "");
+}
+
 TEST_F(ConvertBesideHostile, OpeningThatGivesNoStreamIsAFailure) {
     UseHostile("OpensNothing");
     ExpectFailure(RunWithChosen({"convert", kFrontCenter, "out.wav"}), {"keloaudio: "});
