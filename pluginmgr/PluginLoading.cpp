@@ -9,6 +9,7 @@
 #include "com/InterfaceIds.h"
 #include "pluginmgr/AudioPluginLib.h"
 #include "pluginmgr/CreationLock.h"
+#include "pluginmgr/GiveUp.h"
 #include "portable/DirEntry.h"
 #include "portable/DynamicLibrary.h"
 #include "portable/PortableFile.h"
@@ -22,14 +23,6 @@ void QueryInto(IAudioComponent& component, unsigned long identity, CComPtr<T>& m
     void* face = nullptr;
     component.QueryInterface(identity, &face);
     member = CComPtr<T>::Adopt(static_cast<T*>(face));
-}
-
-// Releases a held reference and tells which object it was.
-template <typename T>
-T* GiveUp(CComPtr<T>& member) {
-    T* const object = member.Detach();
-    if (object != nullptr) object->Release();
-    return object;
 }
 
 // Takes a reference to `object` again, at its end, and puts it back into the member.

@@ -8,6 +8,7 @@
 #include "com/InterfaceIds.h"
 #include "com/StatusObject.h"
 #include "pluginmgr/AudioPluginMgr.h"
+#include "pluginmgr/GiveUp.h"
 #include "stream/GuardedCall.h"
 #include "stream/SourceOpening.h"
 #include "stream/SrcConvAggregator.h"
@@ -62,8 +63,7 @@ bool CAudioPluginMgr::SetConvertor(IConvertorFactory* factory, IStatus** status)
         return false;
     }
     CComPtr<IConvertorFactory> next(factory);
-    // Out of the member first: the end of the old one may install another.
-    CComPtr<IConvertorFactory>::Adopt(m_pConvertorFactory.Detach());
+    GiveUp(m_pConvertorFactory);  // whose end may install another
     m_pConvertorFactory = std::move(next);
     return true;
 }
