@@ -134,7 +134,10 @@ std::optional<SDataExtent> FindDataExtent(CFileBytes& file, const std::string& f
     const std::uint64_t start = data->m_nContent + header;
     const std::uint64_t present = file.Size() > start ? file.Size() - start : 0;
     const bool open = size <= header ? !IsChunk(file, layout, start) : IsUnknown(size) && size - header > present;
-    const bool unfinished = open && present != 0 && (declared.m_nFieldBytes == 8 || present < 0xFFFF0000);
+    // With room for what the size counts besides.
+    const bool fits =
+        declared.m_nFieldBytes == 8 || present < (std::uint64_t{1} << 8 * declared.m_nFieldBytes) - 0x10000;
+    const bool unfinished = open && present != 0 && fits;
     return SDataExtent{IsUnknown(size) || size < header ? 0 : size - header, present, unfinished, declared.m_nField,
                        SizeBytes(present + header + layout.m_nSizeCounts, declared.m_nFieldBytes, layout.m_pNumber)};
 }
