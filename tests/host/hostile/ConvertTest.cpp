@@ -81,7 +81,9 @@ TEST_F(ConvertBesideHostile, PluginThatRefusesToFinishDoesNotHoldUpTheEnd) {
 
 TEST_F(ConvertBesideHostile, NamesOfComponentsAreNotAskedFor) {
     UseHostile("ThrowsIntInGetName");
-    const SRunResult result = RunWithChosen({"convert", kFrontCenter, "out.wav"});
+    std::filesystem::create_directory(InWork("in"));
+    std::filesystem::copy_file(kFrontCenter, InWork("in/a.wav"));
+    const SRunResult result = RunWithChosen({"convert", "-r", "in", "--to", "wav", "--out-dir", "out"});
     EXPECT_EQ(result.m_nExit, 0);
     EXPECT_EQ(result.m_strErr, "");
 }
