@@ -20,6 +20,14 @@ __attribute__((noinline)) void* operator new(std::size_t size) {
     if (memory == nullptr) throw std::bad_alloc();
     return memory;
 }
+// As std::stable_sort asks for memory; the address sanitizer has one of its own.
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+    try {
+        return operator new(size);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
 __attribute__((noinline)) void operator delete(void* memory) noexcept { std::free(memory); }
 __attribute__((noinline)) void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
