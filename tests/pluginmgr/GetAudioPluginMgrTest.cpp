@@ -3,7 +3,6 @@
 #include <libintl.h>
 
 #include <clocale>
-#include <cstdlib>
 #include <filesystem>
 #include <new>
 #include <thread>
@@ -14,24 +13,8 @@
 #include "tests/support/CallLog.h"
 #include "tests/support/FakeComponents.h"
 #include "tests/support/FakeConvertor.h"
+#include "tests/support/Heap.h"
 #include "tests/support/ScratchDirectory.h"
-
-namespace {
-
-// Fails the allocation that is counted down to.
-int g_nAllocationsUntilFailure = -1;
-
-}  // namespace
-
-// Out of line, so that no compiler pairs them with malloc and free.
-__attribute__((noinline)) void* operator new(std::size_t size) {
-    if (g_nAllocationsUntilFailure > 0 && --g_nAllocationsUntilFailure == 0) throw std::bad_alloc();
-    void* const memory = std::malloc(size);
-    if (memory == nullptr) throw std::bad_alloc();
-    return memory;
-}
-__attribute__((noinline)) void operator delete(void* memory) noexcept { std::free(memory); }
-__attribute__((noinline)) void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace {
 
@@ -88,9 +71,10 @@ TEST(GetAudioPluginMgr, ForgetsThePluginDirectoryWithTheOldManager) {
 
 TEST(GetAudioPluginMgr, PropagatesAFailedConstructionWithNothingPublishedAndTheLockHeld) {
     IAudioPluginMgr* manager = nullptr;
-    g_nAllocationsUntilFailure = 3;
-    EXPECT_THROW(GetAudioPluginMgr(&manager), std::bad_alloc);
-    g_nAllocationsUntilFailure = -1;
+    {
+        const CFailingAllocation failing(3);
+        EXPECT_THROW(GetAudioPluginMgr(&manager), std::bad_alloc);
+    }
     EXPECT_EQ(g_pAudioPluginMgr, nullptr);
     int locked = 1;
     std::thread([&] { locked = m_sectPMCreation.Lock(0); }).join();

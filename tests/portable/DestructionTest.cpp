@@ -2,7 +2,6 @@
 // The sources under test are compiled into this program with optimisation, which drops ordinary stores to a dying
 // object.
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
 #include <new>
 
@@ -11,10 +10,10 @@
 #include "portable/PosixMutex.h"
 #include "portable/PosixSemaphore.h"
 #include "tests/portable/VirtualTable.h"
+#include "tests/support/Heap.h"
 
 namespace {
 
-bool g_bAllocationFails = false;
 constexpr size_t kPointerOffset = 8;
 
 // An object that lives and dies in storage that outlasts it.
@@ -37,18 +36,9 @@ private:
     bool m_bHadPointer = false;
 };
 
-// Every allocation fails during the life of this object.
-class CFailingAllocation {
-public:
-    CFailingAllocation() { g_bAllocationFails = true; }
-    ~CFailingAllocation() { g_bAllocationFails = false; }
-    CFailingAllocation(const CFailingAllocation&) = delete;
-    CFailingAllocation& operator=(const CFailingAllocation&) = delete;
-};
-
 template <typename T, typename... TArguments>
 bool ConstructionThrows(TArguments... arguments) {
-    const CFailingAllocation failing;
+    const CScarceMemory scarce(0);
     try {
         const T object(arguments...);
     } catch (const std::bad_alloc&) {
@@ -58,17 +48,6 @@ bool ConstructionThrows(TArguments... arguments) {
 }
 
 }  // namespace
-
-void* operator new(size_t size) {
-    void* const memory = g_bAllocationFails ? nullptr : malloc(size);
-    if (memory == nullptr) throw std::bad_alloc();
-    return memory;
-}
-void* operator new[](size_t size) { return operator new(size); }
-void operator delete(void* memory) noexcept { free(memory); }
-void operator delete(void* memory, size_t) noexcept { free(memory); }
-void operator delete[](void* memory) noexcept { free(memory); }
-void operator delete[](void* memory, size_t) noexcept { free(memory); }
 
 TEST(Destruction, AMutexAnswersZeroAfterItsEnd) {
     const CMortal<CPosixMutex> mutex(0);

@@ -3,35 +3,9 @@
 
 #include <cerrno>
 #include <climits>
-#include <cstdlib>
-#include <new>
 
 #include "tests/plugins/libav/DecoderUnderTest.h"
-
-namespace {
-
-// Counts down to the allocation that fails; negative when none does.
-int g_nUntilFailure = -1;
-
-}  // namespace
-
-// Inlined, a pair of these would look to the compiler like an allocation that free must not take.
-__attribute__((noinline)) void* operator new(std::size_t size) {
-    const bool fails = g_nUntilFailure >= 0 && g_nUntilFailure-- == 0;
-    void* const memory = fails ? nullptr : std::malloc(size);
-    if (memory == nullptr) throw std::bad_alloc();
-    return memory;
-}
-// As std::stable_sort asks for memory; the address sanitizer has one of its own.
-void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
-    try {
-        return operator new(size);
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
-}
-__attribute__((noinline)) void operator delete(void* memory) noexcept { std::free(memory); }
-__attribute__((noinline)) void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+#include "tests/support/Heap.h"
 
 namespace {
 
@@ -95,14 +69,16 @@ TEST_F(LibavAllocation, AReadThatTheLibrariesHaveNoMemoryForSkipsNothing) {
 TEST_F(LibavAllocation, ASeekInWhichOneAllocationFailsLosesNothing) {
     SSource source(Media("flac.mka"));
     int failures = 0;
-    for (int allocation = 0;; ++allocation) {
+    bool struck = true;
+    for (int allocation = 1; struck; ++allocation) {
         ASSERT_TRUE(source.m_seekable->Seek(50000, nullptr));
-        // To the beginning, which opens the file anew.
-        g_nUntilFailure = allocation;
-        const bool done = source.m_seekable->Seek(7, nullptr);
-        const bool struck = g_nUntilFailure < 0;
-        g_nUntilFailure = -1;
-        if (!struck) break;
+        bool done = false;
+        {
+            const CFailingAllocation failing(allocation);
+            // To the beginning, which opens the file anew.
+            done = source.m_seekable->Seek(7, nullptr);
+            struck = failing.HasStruck();
+        }
         if (done) continue;
         ++failures;
         EXPECT_EQ(source.m_blocks->GetPos(), 50000u);

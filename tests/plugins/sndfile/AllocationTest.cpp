@@ -1,35 +1,9 @@
 // The heap as decoder and encoder use it: quiet once a sound runs. What the codec libraries take for themselves does
 // not count.
-#include <cstdlib>
-#include <new>
-
 #include "tests/plugins/sndfile/AudioFiles.h"
 #include "tests/plugins/sndfile/SinkUnderTest.h"
+#include "tests/support/Heap.h"
 #include "tests/support/ScratchDirectory.h"
-
-namespace {
-
-int g_nAllocations = 0;
-
-}  // namespace
-
-// Inlined, a pair of these would look to the compiler like an allocation that free must not take.
-__attribute__((noinline)) void* operator new(std::size_t size) {
-    ++g_nAllocations;
-    void* const memory = std::malloc(size);
-    if (memory == nullptr) throw std::bad_alloc();
-    return memory;
-}
-// As std::stable_sort asks for memory; the address sanitizer has one of its own.
-void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
-    try {
-        return operator new(size);
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
-}
-__attribute__((noinline)) void operator delete(void* memory) noexcept { std::free(memory); }
-__attribute__((noinline)) void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace {
 
@@ -53,22 +27,22 @@ TEST_P(SndfileAllocation, WritingAndReadingAllocateNothing) {
         const SSink sink(Path(), GetParam(), kFormat);
         ASSERT_TRUE(sink.m_process->Start(nullptr));
         int written = 0;
-        const int before = g_nAllocations;
+        const int before = AllocationCount();
         ASSERT_GT(before, 0);
         for (int i = 0; i < kBlocks; ++i) written += sink.m_writer->RawWrite(data, size, state, nullptr);
-        EXPECT_EQ(g_nAllocations, before);
+        EXPECT_EQ(AllocationCount(), before);
         EXPECT_EQ(written, kBlocks);
         ASSERT_TRUE(sink.m_process->End(nullptr));
     }
     const SSource source(Path());
     ASSERT_TRUE(source.m_process->Start(nullptr));
     int filled = 0;
-    const int before = g_nAllocations;
+    const int before = AllocationCount();
     for (int i = 0; i < kBlocks; ++i) {
         int read = 0;
         filled += source.m_reader->RawRead(data, size, &read, state, nullptr) && read == size;
     }
-    EXPECT_EQ(g_nAllocations, before);
+    EXPECT_EQ(AllocationCount(), before);
     EXPECT_EQ(filled, kBlocks);
 }
 

@@ -1,42 +1,8 @@
 // The heap as the convertor uses it: quiet once it runs, and running out.
 #include <cerrno>
-#include <cstdlib>
-#include <new>
 
 #include "tests/plugins/soxr/PluginUnderTest.h"
-
-namespace {
-
-int g_nAllocations = 0;
-
-// Allocations of this size and above fail; status objects stay possible.
-std::size_t g_nRefusedSize = SIZE_MAX;
-
-class CScarceMemory {
-public:
-    explicit CScarceMemory(std::size_t refusedSize) { g_nRefusedSize = refusedSize; }
-    ~CScarceMemory() { g_nRefusedSize = SIZE_MAX; }
-};
-
-}  // namespace
-
-// Inlined, a pair of these would look to the compiler like an allocation that free must not take.
-__attribute__((noinline)) void* operator new(std::size_t size) {
-    ++g_nAllocations;
-    void* const memory = size < g_nRefusedSize ? std::malloc(size) : nullptr;
-    if (memory == nullptr) throw std::bad_alloc();
-    return memory;
-}
-// As std::stable_sort asks for memory; the address sanitizer has one of its own.
-void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
-    try {
-        return operator new(size);
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
-}
-__attribute__((noinline)) void operator delete(void* memory) noexcept { std::free(memory); }
-__attribute__((noinline)) void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+#include "tests/support/Heap.h"
 
 namespace {
 
@@ -50,10 +16,10 @@ TEST(SoxrAllocation, RunningConversionAllocatesNothing) {
         }
     };
     feed(50);
-    const int before = g_nAllocations;
+    const int before = AllocationCount();
     ASSERT_GT(before, 0);
     feed(500);
-    EXPECT_EQ(g_nAllocations, before);
+    EXPECT_EQ(AllocationCount(), before);
 }
 
 TEST(SoxrAllocation, ConvertSaysThatMemoryRanOutAndWorksAgainAfterwards) {
