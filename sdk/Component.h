@@ -58,10 +58,10 @@ protected:
     CComponent(std::string name, EAudioComponentType type) : m_strName(std::move(name)), m_eType(type) {}
     ~CComponent() = default;
 
-    // After loading. An exception rejects the component.
+    // After loading. An exception rejects the component. Must not load or unload plug-ins.
     virtual void Begin() {}
 
-    // Before unloading.
+    // Before unloading. Must not load or unload plug-ins.
     virtual void End() noexcept {}
 
     // Between Begin and End, else null.
