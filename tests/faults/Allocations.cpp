@@ -29,7 +29,7 @@ void Forget(void* block) {
 }
 
 void* Allocate(std::size_t size, const void* caller) noexcept {
-    const bool own = IsInLibrary(caller);
+    const bool own = ServesLibrary(caller);
     if (own && g_pFailing != nullptr && g_pFailing->Strikes()) return nullptr;
     void* const block = std::malloc(std::max<std::size_t>(size, 1));
     if (own && block != nullptr) Remember(block);

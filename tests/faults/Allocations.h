@@ -3,8 +3,8 @@
 
 #include <cstddef>
 
-// While it lives, one of the allocations that the library's own code makes through operator new fails, or all of them
-// from there on; those of the tests and of other libraries do not. One at a time. One thread.
+// While it lives, one of the allocations that the library makes through operator new fails, its texts included, or all
+// of them from there on; those of the tests and of other libraries do not. One at a time. One thread.
 class CFailingAllocation {
 public:
     // Counted from 1.

@@ -1,9 +1,8 @@
-// Streams without memory: opening, starting, reading, writing.
+// Sources without memory: opening, starting, reading.
 #include "stream/LiveAggregators.h"
 #include "tests/faults/EachAllocation.h"
 #include "tests/stream/OpeningFixture.h"
 #include "tests/stream/SourceFixture.h"
-#include "tests/support/FakeEncoder.h"
 
 namespace {
 
@@ -32,16 +31,6 @@ protected:
 };
 
 class SourceAllocation : public support::CSourceFixture {};
-
-// A factory of encoders, for a target that is made, used and released.
-class TargetAllocation : public testing::Test {
-protected:
-    TargetAllocation() { m_targets.m_pEncoder = &m_script; }
-
-    support::SEncoderScript m_script;
-    support::CFakeTargetFactory m_targets;
-    support::CManagerHold m_manager;
-};
 
 }  // namespace
 
@@ -127,18 +116,4 @@ TEST_F(SourceAllocation, ArtistAndTitleWithoutMemoryLeaveNothing) {
             EXPECT_EQ(g_lAggregators, 0);
         });
     EXPECT_GT(allocations, 5);
-}
-
-TEST_F(TargetAllocation, TargetsLeaveNothingHeld) {
-    const int allocations = FailEachAllocation(
-        [&] {
-            CComPtr<IUnknown> stream;
-            CComPtr<IStatus> status;
-            if (!m_manager->CreateURLAudioTarget(&m_targets, stream.Out(), kStudio, status.Out())) return;
-            const auto process = CComPtr<IProcess>::Query(stream.Get(), IID_IProcess);
-            // No factory for the conversion: the reason is a text.
-            process->Start(status.Out());
-        },
-        [&](bool /*thrown*/) { EXPECT_EQ(g_lAggregators, 0); });
-    EXPECT_GT(allocations, 2);
 }
