@@ -91,14 +91,18 @@ TEST_F(CopyFault, AFailedWriteEndsTheCopyAfterOneMoreRead) {
 }
 
 TEST_F(CopyFault, ASourceThatCannotBeOpenedLeavesNoTarget) {
-    const CFaultyCall fault({ECall::Open, EMFILE});
-    EXPECT_EQ(Copy(), 0);
-    EXPECT_FALSE(std::filesystem::exists(m_scratch / "target"));
+    for (const int error : {EMFILE, EINTR, EIO}) {
+        const CFaultyCall fault({ECall::Open, error});
+        EXPECT_EQ(Copy(), 0);
+        EXPECT_FALSE(std::filesystem::exists(m_scratch / "target"));
+    }
 }
 
 TEST_F(CopyFault, ATargetThatCannotBeOpenedClosesTheSource) {
     m_scratch.Write("target", "as it was");
-    const CFaultyCall fault({ECall::Open, EMFILE, 2});
-    EXPECT_EQ(Copy(), 0);
-    EXPECT_EQ(Content(m_scratch / "target"), "as it was");
+    for (const int error : {EMFILE, EINTR, ENOSPC, EIO}) {
+        const CFaultyCall fault({ECall::Open, error, 2});
+        EXPECT_EQ(Copy(), 0);
+        EXPECT_EQ(Content(m_scratch / "target"), "as it was");
+    }
 }

@@ -76,10 +76,12 @@ TEST_F(DirectoryFault, ACurrentDirectoryThatCannotBeToldLeavesTheTextAlone) {
 }
 
 TEST_F(DirectoryFault, WithoutATemporaryFileTheLargestLengthIsTheSmallestAnswer) {
-    const CFaultyCall fault({ECall::MakeTemporary, EROFS});
-    long maximum = 0;
-    EXPECT_EQ(CPortableFile::GetMaximumFileLength((m_scratch / "a.txt").c_str(), maximum), 1);
-    EXPECT_EQ(maximum, 0x7FFFFFFF);
+    for (const int error : {EROFS, EINTR, ENOSPC, EIO}) {
+        const CFaultyCall fault({ECall::MakeTemporary, error});
+        long maximum = 0;
+        EXPECT_EQ(CPortableFile::GetMaximumFileLength((m_scratch / "a.txt").c_str(), maximum), 1);
+        EXPECT_EQ(maximum, 0x7FFFFFFF);
+    }
 }
 
 TEST_F(DirectoryFault, SeeksThatFailLowerTheLargestLengthAndLeaveNoFile) {

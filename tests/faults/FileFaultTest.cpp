@@ -106,15 +106,17 @@ TEST_F(FileFault, AFailedWriteTellsTheReasonAndLeavesTheContent) {
 TEST_F(FileFault, EveryLazyOpeningThatFailsTellsTheReasonAndTheNextTriesAgain) {
     for (const SFileCall& call : kOpeningCalls) {
         SCOPED_TRACE(call.m_szName);
-        CPortableFile file(m_strPath.c_str(), CPortableFile::OM_READ_WRITE);
-        {
-            const CFaultyCall fault({ECall::Open, EMFILE});
-            EXPECT_EQ(call.m_pCall(file), EMFILE);
-            EXPECT_EQ(fault.GetCount(), 1);
+        for (const int error : {EMFILE, EINTR, ENOSPC, EIO}) {
+            CPortableFile file(m_strPath.c_str(), CPortableFile::OM_READ_WRITE);
+            {
+                const CFaultyCall fault({ECall::Open, error});
+                EXPECT_EQ(call.m_pCall(file), error);
+                EXPECT_EQ(fault.GetCount(), 1);
+            }
+            char byte = 0;
+            EXPECT_EQ(file.Read(&byte, 1, &m_nDone), 0);
+            EXPECT_EQ(byte, '0');
         }
-        char byte = 0;
-        EXPECT_EQ(file.Read(&byte, 1, &m_nDone), 0);
-        EXPECT_EQ(byte, '0');
     }
 }
 
