@@ -2,10 +2,13 @@
 #include "host/StopSignal.h"
 
 #include <signal.h>
+#include <time.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <cstdint>
 
 #include "host/Failure.h"
 
@@ -13,11 +16,40 @@ namespace {
 
 constexpr int kStopSignals[] = {SIGINT, SIGTERM, SIGHUP};
 
+constexpr std::int64_t kNanosecondsPerSecond = 1'000'000'000;
+
+// Sooner, a second signal may mean the same wish: a session that closes sends several.
+constexpr std::int64_t kPatience = kNanosecondsPerSecond;
+
 // Set on whichever thread the signal reaches.
 std::atomic<int> g_nStopSignal{0};
 static_assert(std::atomic<int>::is_always_lock_free);
 
-void RememberSignal(int signal) { g_nStopSignal = signal; }
+// When the first one came, 0 before.
+std::atomic<std::int64_t> g_nFirstStop{0};
+static_assert(std::atomic<std::int64_t>::is_always_lock_free);
+
+// In nanoseconds. Async-signal-safe.
+std::int64_t MonotonicTime() {
+    timespec now = {};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return now.tv_sec * kNanosecondsPerSecond + now.tv_nsec;
+}
+
+// Whether this process has sent it to one of its threads.
+bool IsPassedOn(const siginfo_t& info) { return info.si_code == SI_TKILL && info.si_pid == getpid(); }
+
+// Async-signal-safe. A plug-in that does not return keeps everybody from asking for the mark; then the next signal
+// ends the program.
+void RememberSignal(int stop, siginfo_t* info, void* /*context*/) {
+    if (IsPassedOn(*info)) return;
+    g_nStopSignal = stop;
+    const std::int64_t now = MonotonicTime();
+    std::int64_t first = 0;
+    if (g_nFirstStop.compare_exchange_strong(first, now) || now - first < kPatience) return;
+    signal(stop, SIG_DFL);
+    raise(stop);
+}
 
 // While it lives, the signals that ask to stop wait; Before() lets them through.
 class CHeldSignals {
@@ -43,7 +75,8 @@ private:
 
 void WatchStopSignals() {
     struct sigaction action = {};
-    action.sa_handler = RememberSignal;
+    action.sa_sigaction = RememberSignal;
+    action.sa_flags = SA_SIGINFO;
     // Without SA_RESTART: a wait for a pipe or a slow file ends too.
     for (const int signal : kStopSignals) {
         struct sigaction inherited = {};
@@ -58,7 +91,7 @@ void UnwatchStopSignals() {
     for (const int watched : kStopSignals) {
         struct sigaction action = {};
         sigaction(watched, nullptr, &action);
-        if (action.sa_handler == RememberSignal) signal(watched, SIG_DFL);
+        if (action.sa_sigaction == RememberSignal) signal(watched, SIG_DFL);
     }
     if (g_nStopSignal != 0) raise(g_nStopSignal);
 }

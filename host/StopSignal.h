@@ -6,8 +6,8 @@
 #include <chrono>
 #include <string>
 
-// From here on SIGINT, SIGTERM and SIGHUP only leave a mark, and a file over the size limit and a pipe that
-// nobody reads are write errors.
+// From here on SIGINT, SIGTERM and SIGHUP only leave a mark, except that one which comes a second or more after the
+// first ends the program. A file over the size limit and a pipe that nobody reads are write errors.
 void WatchStopSignals();
 
 // From here on the signals that only left a mark end the program, one that already came at once: while a dialog is open
