@@ -12,6 +12,15 @@ set(kelo_fuzz_source_url_type URLTypeFuzzer.cpp)
 set(kelo_fuzz_targets
   basic_string bounded_strings code_pages match_mask paths portable_time source_texts url_type)
 
+# What the URL handler takes from servers.
+if(TARGET kelo_curl)
+  list(APPEND kelo_fuzz_targets file_names)
+  set(kelo_fuzz_source_file_names FileNamesFuzzer.cpp)
+  foreach(source AudioTypes ContentDisposition FileName URLText)
+    list(APPEND kelo_fuzz_subject_file_names ${PROJECT_SOURCE_DIR}/plugins/curl/${source}.cpp)
+  endforeach()
+endif()
+
 # Each decoder plug-in by the same source.
 set(kelo_fuzz_decoders)
 foreach(plugin sndfile libav)
@@ -22,9 +31,10 @@ foreach(plugin sndfile libav)
   endif()
 endforeach()
 
-# A program of one target and of what brings its main function along.
+# A program of one target, of the sources that it looks at, and of what brings its main function along.
 function(kelo_fuzz_program program target)
-  add_executable(${program} ${kelo_fuzz_folder}/${kelo_fuzz_source_${target}} ${ARGN})
+  add_executable(${program}
+    ${kelo_fuzz_folder}/${kelo_fuzz_source_${target}} ${kelo_fuzz_subject_${target}} ${ARGN})
   kelo_compile_options(${program})
   target_link_libraries(${program} PRIVATE KeloAudioPluginMgr)
   if(DEFINED kelo_fuzz_plugin_${target})
