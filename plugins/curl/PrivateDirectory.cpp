@@ -6,15 +6,32 @@
 #include <sys/stat.h>
 
 #include <filesystem>
+#include <system_error>
 
 #include "sdk/Guard.h"
 
 namespace {
 
-std::string Make() {
+// The variables that std::filesystem::temp_directory_path asks; that function takes an empty one for a place.
+std::string NameOfPlace() {
+    for (const char* const variable : {"TMPDIR", "TMP", "TEMP", "TEMPDIR"}) {
+        const char* const place = ::secure_getenv(variable);
+        if (place != nullptr && *place != '\0') return place;
+    }
+    return "/tmp";
+}
+
+std::filesystem::path TemporaryDirectory() {
+    const std::string place = NameOfPlace();
     std::error_code error;
-    const std::filesystem::path place = std::filesystem::temp_directory_path(error);
-    if (error) Refuse("there is no temporary directory (TMPDIR): " + error.message());
+    const bool there = std::filesystem::is_directory(place, error);
+    if (!there && !error) error = std::make_error_code(std::errc::not_a_directory);
+    if (error) Refuse(place + ": there is no temporary directory (TMPDIR): " + error.message());
+    return place;
+}
+
+std::string Make() {
+    const std::filesystem::path place = TemporaryDirectory();
     std::string path = std::filesystem::absolute(place / "kelo-curl-XXXXXX");
     if (mkdtemp(path.data()) == nullptr) Refuse("no directory in " + place.string() + ": " + SystemReason(errno));
     return path;

@@ -11,7 +11,7 @@
 // else has removed or replaced it by then. [any thread]
 class CPrivateDirectory {
 public:
-    // Below TMPDIR, or /tmp. Throws the reason why there is none.
+    // Below the directory that TMPDIR or its like names, or /tmp. Throws the reason why there is none.
     CPrivateDirectory();
     ~CPrivateDirectory();
 

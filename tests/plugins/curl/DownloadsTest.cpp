@@ -6,6 +6,7 @@
 #include <sys/resource.h>
 
 #include <fstream>
+#include <map>
 #include <set>
 
 #include "plugins/curl/Downloads.h"
@@ -254,16 +255,27 @@ TEST(Downloads, HaveAnAbsolutePathBelowARelativeDirectory) {
 TEST(Downloads, NameTheTemporaryDirectoryThatIsMissing) {
     RunWithTemporary([](const fs::path& temporary) {
         CDownloads downloads;
-        for (const fs::path& place : {temporary / "none", temporary / "file"}) {
-            Put(temporary / "file", "");
+        Put(temporary / "file", "");
+        const std::map<fs::path, std::string> reasons = {{temporary / "none", "No such file or directory"},
+                                                         {temporary / "file", "Not a directory"}};
+        for (const auto& [place, reason] : reasons) {
             setenv("TMPDIR", place.c_str(), 1);
             try {
                 MakeFile(downloads);
                 ADD_FAILURE() << "a file in " << place;
             } catch (const std::runtime_error& failure) {
-                EXPECT_THAT(failure.what(), testing::HasSubstr("TMPDIR"));
+                EXPECT_EQ(failure.what(), place.string() + ": there is no temporary directory (TMPDIR): " + reason);
             }
         }
+    });
+}
+
+TEST(Downloads, TakeAnEmptyVariableForNone) {
+    RunWithTemporary([](const fs::path& temporary) {
+        setenv("TMPDIR", "", 1);
+        setenv("TMP", temporary.c_str(), 1);
+        CDownloads downloads;
+        EXPECT_EQ(DirectoryOf(MakeFile(downloads)).parent_path(), temporary);
     });
 }
 
