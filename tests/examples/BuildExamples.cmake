@@ -5,7 +5,7 @@
 file(REMOVE_RECURSE ${WORK}/prefix ${WORK}/build)
 execute_process(COMMAND ${CMAKE_COMMAND} --install ${BUILD} --prefix ${WORK}/prefix
   OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
-foreach(example IN ITEMS decoder encoder convertor url-handler host)
+foreach(example IN ITEMS decoder encoder convertor url-handler host writing-host)
   execute_process(
     COMMAND ${CMAKE_COMMAND} -S ${SOURCE}/${example} -B ${WORK}/build/${example} -G ${GENERATOR}
       -DCMAKE_PREFIX_PATH=${WORK}/prefix -DCMAKE_CXX_COMPILER=${COMPILER} -DCMAKE_BUILD_TYPE=Debug
