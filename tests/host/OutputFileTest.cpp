@@ -106,6 +106,16 @@ TEST_F(OutputFile, DirectoryThatMayNotBeWrittenIsRefused) {
     EXPECT_EQ(NamesIn(folder), std::vector<std::string>{});
 }
 
+TEST_F(OutputFile, DirectoryThatMayNotBeWrittenIsRefusedThoughTheOutputInItMay) {
+    const std::string folder = InWork("folder");
+    std::filesystem::create_directory(folder);
+    const std::string output = m_scratch.Write("work/folder/out.wav", "the old content");
+    ASSERT_EQ(chmod(folder.c_str(), 0555), 0);
+    const SRunResult result = ConvertWithoutCapabilities(output);
+    ExpectFailure(result, {"/out.wav: no file can be made in " + folder + ": Permission denied"});
+    EXPECT_EQ(ReadWholeFile(output), "the old content");
+}
+
 TEST_F(OutputFile, FileThatMayNotBeWrittenIsRefused) {
     m_scratch.Write("work/out.wav", "the old content");
     ASSERT_EQ(chmod(InWork("out.wav").c_str(), 0444), 0);
