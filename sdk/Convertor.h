@@ -19,7 +19,7 @@ public:
     // False with the reason; `*convertor` is null then.
     bool CreateConvertor(const SWavFormat* from, const SWavFormat* to, IAudioConvertor** convertor,
                          IStatus** status) final {
-        return Guarded(status, NoSubject(), [&] {
+        return Guarded(status, "", [&] {
             if (convertor != nullptr) *convertor = nullptr;
             if (from == nullptr || to == nullptr || convertor == nullptr) throw CBadArgument();
             RequireFrames(*from);

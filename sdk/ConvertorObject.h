@@ -31,7 +31,7 @@ public:
     // The first call with bytes after one with none begins a new stream: hosts seek back after the end.
     bool Convert(unsigned char* data, int size, int /*flags*/, IStatus** status) override {
         m_nLength = kFailed;
-        return Guarded(status, NoSubject(), [&] {
+        return Guarded(status, "", [&] {
             if (size < 0 || (size > 0 && data == nullptr)) throw CBadArgument();
             if (size > 0) {
                 Feed(data, static_cast<std::size_t>(size));

@@ -26,7 +26,7 @@ public:
     // The manager has matched the sets against GetAuxFlags: they change nothing here.
     bool Open(const char* path, IUnknown** stream, EAuxFlags /*required*/, EAuxFlags /*excluded*/,
               IStatus** status) final {
-        return Guarded(status, path != nullptr ? FileNameOf(path) : NoSubject(), [&] {
+        return Guarded(status, path != nullptr ? FileNameOf(path) : "", [&] {
             if (path == nullptr || stream == nullptr) throw CBadArgument();
             std::unique_ptr<CSound> sound = OpenSound(path, Level());
             if (sound == nullptr) Refuse("not opened");

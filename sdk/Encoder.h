@@ -17,7 +17,7 @@ class CEncoderComponent : public CExtensionComponent<IAudioTargetOpener, TFaces.
 public:
     // Refuses extensions that the component does not list.
     bool OpenTarget(const char* path, const char* extension, IAudioTarget** target, IStatus** status) final {
-        return Guarded(status, path != nullptr ? FileNameOf(path) : NoSubject(), [&] {
+        return Guarded(status, path != nullptr ? FileNameOf(path) : "", [&] {
             if (path == nullptr || extension == nullptr || target == nullptr) throw CBadArgument();
             const std::string& listed = RequireExtension(extension);
             *target = new CEncoderTarget(*this, {path, listed, {}, CSettings(this->GetSettings(listed))});

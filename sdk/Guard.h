@@ -6,6 +6,7 @@
 #include <new>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <system_error>
 
 #include "com/StatusObject.h"
@@ -23,27 +24,27 @@ public:
 // The system's words for an errno value.
 inline std::string SystemReason(int error) { return std::generic_category().message(error); }
 
-// "song.wav" of "/music/song.wav": statuses name the file as a person knows it.
-inline std::string FileNameOf(const std::string& path) {
-    const std::string name = path.substr(path.rfind('/') + 1);
+// "song.wav" of "/music/song.wav", a part of `path`: statuses name the file as a person knows it.
+inline std::string_view FileNameOf(std::string_view path) {
+    const std::string_view name = path.substr(path.rfind('/') + 1);
     return name.empty() ? path : name;
 }
 
 // Stores "<subject>: <reason>", or the reason alone without a subject, where the caller asked for a status. [any
 // thread]
-inline void Describe(IStatus** status, const std::string& subject, const char* reason) noexcept {
+inline void Describe(IStatus** status, std::string_view subject, const char* reason) noexcept {
     if (status == nullptr) return;
     try {
-        ReportStatus(status, subject.empty() ? reason : (subject + ": " + reason).c_str());
+        ReportStatus(status, subject.empty() ? reason : (std::string(subject) + ": " + reason).c_str());
     } catch (...) {
         *status = nullptr;
     }
 }
 
 // Runs an operation of the plug-in's border, which returns bool; an exception becomes false and a status about
-// `subject`. [any thread]
+// `subject`, which may be empty. [any thread]
 template <typename TOperation>
-bool Guarded(IStatus** status, const std::string& subject, TOperation operation) noexcept {
+bool Guarded(IStatus** status, std::string_view subject, TOperation operation) noexcept {
     try {
         return operation();
     } catch (const CBadArgument&) {
@@ -62,10 +63,4 @@ bool Guarded(IStatus** status, const std::string& subject, TOperation operation)
         Describe(status, subject, "unknown failure");
     }
     return false;
-}
-
-// A name without a copy where there is nothing to name.
-inline const std::string& NoSubject() {
-    static const std::string none;
-    return none;
 }

@@ -9,7 +9,7 @@
 // Stores the plug-in's one TComponent with one reference that the caller owns. [host set-up]
 template <typename TComponent>
 bool GivePrimaryComponent(IAudioComponent** component) noexcept {
-    return Guarded(nullptr, NoSubject(), [&] {
+    return Guarded(nullptr, "", [&] {
         if (component == nullptr) return false;
         static TComponent primary;
         primary.AddRef();

@@ -84,6 +84,6 @@ private:
     CLiveObject m_live;
     IUnknown* m_pOuter = nullptr;
     std::string m_strPath;
-    std::string m_strFileName = FileNameOf(m_strPath);
+    std::string m_strFileName{FileNameOf(m_strPath)};
     bool m_bInProcess = false;
 };

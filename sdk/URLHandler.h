@@ -19,7 +19,7 @@ public:
     // The plug-in is not ready to finish meanwhile.
     bool Fetch(const char* url, char* localPath, int /*reserved*/, IStatus** status) final {
         const CLiveObject busy;
-        return Guarded(status, NoSubject(), [&] {
+        return Guarded(status, "", [&] {
             if (url == nullptr || localPath == nullptr) throw CBadArgument();
             const std::string path = FetchFile(url);
             if (path.size() >= static_cast<std::size_t>(kLocalPathCapacity)) Refuse("the local path is too long");

@@ -50,7 +50,7 @@ const char* CSoxrComponent::GetSetting(const char* name) {
 }
 
 bool CSoxrComponent::SetSetting(const char* name, const char* value, IStatus** status) {
-    return Guarded(status, NoSubject(), [&] {
+    return Guarded(status, "", [&] {
         m_settings.Set(name, value);
         return true;
     });

@@ -4,6 +4,7 @@
 #include "sdk/Convertor.h"
 #include "sdk/Decoder.h"
 #include "tests/sdk/CountingSound.h"
+#include "tests/support/Heap.h"
 #include "tests/support/ManagerHold.h"
 #include "tests/support/StreamQueries.h"
 
@@ -61,6 +62,22 @@ TEST_F(SdkDecoder, ListsItsExtensions) {
     EXPECT_STREQ(list->GetAt(1), "cnt");
     EXPECT_EQ(list->GetAt(2), nullptr);
     EXPECT_EQ(list->GetAt(-1), nullptr);
+}
+
+TEST_F(SdkDecoder, WithoutMemoryItOpensNothingAndThrowsNothing) {
+    if (!kHeapIsReplaced) GTEST_SKIP() << kHeapIsTaken;
+    bool struck = true;
+    for (int allocation = 1; struck; ++allocation) {
+        CComPtr<IUnknown> stream;
+        CComPtr<IStatus> status;
+        const CFailingAllocation failing(allocation);
+        const bool opened =
+            m_decoder.Open("/songs/of a length.count", stream.Out(), AUX_CONVERT, AUX_NONE, status.Out());
+        struck = failing.HasStruck();
+        EXPECT_EQ(opened, !struck) << allocation;
+        EXPECT_EQ(stream.Get() != nullptr, opened) << allocation;
+        EXPECT_EQ(status ? status->GetSysError() : 0, struck ? static_cast<unsigned int>(ENOMEM) : 0) << allocation;
+    }
 }
 
 TEST_F(SdkDecoder, OpenerIsItsFirstTableWithTheControlBehindIt) {

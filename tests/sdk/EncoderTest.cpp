@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "sdk/Encoder.h"
+#include "tests/support/Heap.h"
 #include "tests/support/StreamQueries.h"
 
 namespace {
@@ -93,6 +94,21 @@ TEST_F(SdkEncoder, RefusesAnExtensionThatItDoesNotList) {
     EXPECT_TRUE(m_encoder.OpenTarget("/out/some.MEM", "MEM", target.Out(), nullptr));
     EXPECT_FALSE(m_encoder.OpenTarget(nullptr, "mem", target.Out(), status.Out()));
     EXPECT_EQ(status->GetAudioError(), AE_BAD_ARGUMENT);
+}
+
+TEST_F(SdkEncoder, WithoutMemoryItOpensNoTargetAndThrowsNothing) {
+    if (!kHeapIsReplaced) GTEST_SKIP() << kHeapIsTaken;
+    bool struck = true;
+    for (int allocation = 1; struck; ++allocation) {
+        CComPtr<IAudioTarget> target;
+        CComPtr<IStatus> status;
+        const CFailingAllocation failing(allocation);
+        const bool opened = m_encoder.OpenTarget("/songs/of a length.mem", "mem", target.Out(), status.Out());
+        struck = failing.HasStruck();
+        EXPECT_EQ(opened, !struck) << allocation;
+        EXPECT_EQ(target.Get() != nullptr, opened) << allocation;
+        EXPECT_EQ(status ? status->GetSysError() : 0, struck ? static_cast<unsigned int>(ENOMEM) : 0) << allocation;
+    }
 }
 
 TEST_F(SdkEncoder, NothingIsCreatedBeforeTheStart) {
