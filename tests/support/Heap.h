@@ -4,6 +4,12 @@
 
 #include <cstddef>
 
+#include "tests/support/Sanitizers.h"
+
+// The thread sanitizer's operator new stands before this one; tests that need this one are skipped then.
+constexpr bool kHeapIsReplaced = !support::kThreadSanitizer;
+constexpr const char* kHeapIsTaken = "the thread sanitizer keeps the heap to itself";
+
 // How often operator new has been called.
 int AllocationCount();
 

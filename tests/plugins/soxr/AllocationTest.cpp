@@ -6,7 +6,14 @@
 
 namespace {
 
-TEST(SoxrAllocation, RunningConversionAllocatesNothing) {
+class SoxrAllocation : public testing::Test {
+protected:
+    void SetUp() override {
+        if (!kHeapIsReplaced) GTEST_SKIP() << kHeapIsTaken;
+    }
+};
+
+TEST_F(SoxrAllocation, RunningConversionAllocatesNothing) {
     const CPluginUnderTest plugin;
     const auto convertor = plugin.Create(Held(44100, 24, 2), Held(48000, 16, 2));
     CBytes block = RandomBytes(12000);
@@ -22,7 +29,7 @@ TEST(SoxrAllocation, RunningConversionAllocatesNothing) {
     EXPECT_EQ(AllocationCount(), before);
 }
 
-TEST(SoxrAllocation, ConvertSaysThatMemoryRanOutAndWorksAgainAfterwards) {
+TEST_F(SoxrAllocation, ConvertSaysThatMemoryRanOutAndWorksAgainAfterwards) {
     const CPluginUnderTest plugin;
     const auto convertor = plugin.Create(Held(48000, 16, 2), Held(48000, 24, 2));
     const auto reference = plugin.Create(Held(48000, 16, 2), Held(48000, 24, 2));
@@ -38,7 +45,7 @@ TEST(SoxrAllocation, ConvertSaysThatMemoryRanOutAndWorksAgainAfterwards) {
     EXPECT_EQ(ConvertAll(*convertor, block), ConvertAll(*reference, block));
 }
 
-TEST(SoxrAllocation, ConvertReportsNothingWhenNotEvenAStatusFits) {
+TEST_F(SoxrAllocation, ConvertReportsNothingWhenNotEvenAStatusFits) {
     const CPluginUnderTest plugin;
     const auto convertor = plugin.Create(Held(48000, 16, 2), Held(48000, 24, 2));
     CBytes block = RandomBytes(400000);
@@ -52,7 +59,7 @@ TEST(SoxrAllocation, ConvertReportsNothingWhenNotEvenAStatusFits) {
     EXPECT_EQ(status, nullptr);
 }
 
-TEST(SoxrAllocation, CreateConvertorSaysThatMemoryRanOutAndLeavesNothingAlive) {
+TEST_F(SoxrAllocation, CreateConvertorSaysThatMemoryRanOutAndLeavesNothingAlive) {
     const CPluginUnderTest plugin;
     CComPtr<IStatus> status;
     CComPtr<IAudioConvertor> convertor;
