@@ -12,6 +12,9 @@ public:
     const char* GetURL() const { return m_strURL.c_str(); }
     bool IsRemote() const { return m_bRemote; }
 
+    // Why the file cannot be had where the system says `error`: an address may have been taken for its name.
+    std::string FailureTextOf(int error) const;
+
 private:
     std::string m_strGiven;
     bool m_bRemote;

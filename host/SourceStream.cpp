@@ -35,7 +35,7 @@ std::string AskedText(const CPluginSession& session) {
 void RequirePlainFile(const CSourceName& name) {
     if (name.IsRemote()) return;
     struct stat entry = {};
-    if (stat(name.GetURL(), &entry) != 0) throw CFailure(name.GetGiven(), SystemErrorText(errno));
+    if (stat(name.GetURL(), &entry) != 0) throw CFailure(name.GetGiven(), name.FailureTextOf(errno));
     if (S_ISDIR(entry.st_mode)) throw CFailure(name.GetGiven(), SystemErrorText(EISDIR));
     if (S_ISREG(entry.st_mode) && entry.st_size == 0) throw CFailure(name.GetGiven(), "the file is empty");
 }

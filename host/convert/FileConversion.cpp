@@ -106,7 +106,7 @@ SConversionResult ExpectedResult(const SConvertOptions& options, const SPlannedF
     if (options.m_bSkipExisting && fs::is_regular_file(FromStart(file.m_strOutput), error)) {
         result.m_eOutcome = EOutcome::Skipped;
     } else if (options.m_bDryRun && !file.m_name.IsRemote() && access(file.m_name.GetURL(), R_OK) != 0) {
-        SetFailure(result, CFailure(file.m_name.GetGiven(), SystemErrorText(errno)));
+        SetFailure(result, CFailure(file.m_name.GetGiven(), file.m_name.FailureTextOf(errno)));
     }
     return result;
 }

@@ -70,6 +70,17 @@ TEST_F(ConvertFailure, RemoteInputWithoutAUrlHandler) {
     ExpectCleanFailure("http://localhost/x.wav", "out.wav", {"http://localhost/x.wav: no plug-in fetched it"});
 }
 
+TEST_F(ConvertFailure, AddressOfAProtocolThatIsNotTaken) {
+    const std::string reason = ": https:// addresses are not fetched, only http:// and ftp:// ones\n";
+    const std::string address = "https://localhost/x.wav";
+    ExpectCleanFailure(address, "out.wav", {"keloaudio: " + address + reason});
+    ExpectCleanFailure(address, "out.wav", {"keloaudio: " + address + reason}, {"--dry-run"});
+    EXPECT_EQ(Run({"info", address}).m_strErr, "keloaudio: " + address + reason);
+    std::filesystem::create_directories(InWork("https:/localhost"));
+    std::filesystem::copy_file(kFrontCenter, InWork("https:/localhost/x.wav"));
+    EXPECT_EQ(Run({"info", address}).m_nExit, 0);
+}
+
 TEST_F(ConvertFailure, UnknownOutputExtension) {
     ExpectCleanFailure(kFrontCenter, "out.xyz", {"out.xyz: no encoder lists \".xyz\" (listed: ", "wav", "flac"});
 }
