@@ -109,6 +109,15 @@ TEST_F(CurlHandler, FollowsRedirects) {
     EXPECT_EQ(ReadAll(Open(first.URL("some.plain"))), SamplesOf(file));
 }
 
+// Nobody listens there: the reason is that of a connection, not of a protocol that is not allowed.
+TEST_F(CurlHandler, FollowsRedirectsToHttps) {
+    Add("url-handler", "curl_handler");
+    Load();
+    const COneAnswer server("HTTP/1.0 302 Found\r\nLocation: https://127.0.0.1:1/other.plain\r\n\r\n");
+    const std::string url = server.URL("some.plain");
+    EXPECT_EQ(FetchRefusal(url), url + ": Couldn't connect to server");
+}
+
 TEST_F(CurlHandler, TellsWhyAnAddressCannotBeFetched) {
     Add("url-handler", "curl_handler");
     Load();
