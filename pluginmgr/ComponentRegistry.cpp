@@ -130,7 +130,8 @@ bool CAudioPluginMgr::Set(IAudioComponent** /*components*/, int /*count*/) { ret
 bool CAudioPluginMgr::GetUnsupportedComponents(IComponentEnum** /*components*/) { return false; }
 
 void CAudioPluginMgr::SetComponentOrder(const char* const* identities, int count) {
+    CComponentOrder order;
+    for (int i = 0; i < count; ++i) order.emplace_back(identities[i]);
     const CPosixSingleLock lock(&m_mtxComponentOrder, 1);
-    m_vComponentOrder.clear();
-    for (int i = 0; i < count; ++i) m_vComponentOrder.emplace_back(identities[i]);
+    m_vComponentOrder.swap(order);
 }

@@ -1,9 +1,12 @@
 // The manager without memory: its life, loading and unloading, settings, events.
+#include <gmock/gmock.h>
+
 #include <thread>
 
 #include "com/EventReceiver.h"
 #include "tests/faults/EachAllocation.h"
 #include "tests/pluginmgr/LoadedManager.h"
+#include "tests/pluginmgr/RegisteredComponents.h"
 
 namespace {
 
@@ -27,6 +30,18 @@ void GiveCreationLockBack(bool held) {
 void Renew(CComPtr<CAudioPluginMgr>& manager) {
     manager.Reset();
     manager = ObtainManager();
+}
+
+Lines Decoders(CAudioPluginMgr& manager) {
+    CComPtr<IComponentEnum> decoders;
+    EXPECT_TRUE(manager.Get(ACT_DECODER, decoders.Out()));
+    Lines names;
+    for (int i = 0; i < decoders->GetCount(); ++i) {
+        CComPtr<IAudioComponent> decoder;
+        EXPECT_TRUE(decoders->GetComponent(i, decoder.Out()));
+        names.emplace_back(decoder->GetName());
+    }
+    return names;
 }
 
 }  // namespace
@@ -129,5 +144,28 @@ TEST(ManagerAllocation, AuxiliaryObjectsAreAttachedWithOneReferenceOrNone) {
             for (char& key : keys) manager->DetachAuxObject(&key);
             EXPECT_EQ(object.m_nReferences, 0);
             Renew(manager);
+        });
+}
+
+TEST(ManagerAllocation, TheComponentOrderIsKeptOrReplacedAndItsLockFree) {
+    const auto manager = ObtainManager();
+    CCountedComponent components[] = {CCountedComponent(ACT_DECODER, "a"), CCountedComponent(ACT_DECODER, "b"),
+                                      CCountedComponent(ACT_DECODER, "c")};
+    for (CCountedComponent& component : components) manager->AddComponent(component.HandOver(), component.GetName(), 0);
+    const char* const kept[] = {"c*0", "a*0", "b*0"};
+    const char* const wanted[] = {"b*0", "c*0", "a*0"};
+    manager->SetComponentOrder(kept, 3);
+    FailEachAllocation(
+        [&] {
+            manager->SetComponentOrder(wanted, 3);
+            CComPtr<IComponentEnum> decoders;
+            manager->Get(ACT_DECODER, decoders.Out());
+        },
+        [&](bool /*thrown*/) {
+            std::thread([&] {
+                EXPECT_THAT(Decoders(*manager), testing::AnyOf(Lines{"c", "a", "b"}, Lines{"b", "c", "a"}));
+            }).join();
+            for (const CCountedComponent& component : components) EXPECT_EQ(component.m_nReferences, 1U);
+            manager->SetComponentOrder(kept, 3);
         });
 }

@@ -1,6 +1,6 @@
 // Sources without memory: opening, starting, reading.
-#include "stream/LiveAggregators.h"
 #include "tests/faults/EachAllocation.h"
+#include "tests/faults/StreamsLeft.h"
 #include "tests/stream/OpeningFixture.h"
 #include "tests/stream/SourceFixture.h"
 
@@ -21,7 +21,7 @@ protected:
 
     void ExpectAllBack() {
         CloseStream();
-        EXPECT_EQ(g_lAggregators, 0);
+        ExpectNoStreamLeft();
         ExpectNothingHeld();
     }
 
@@ -113,7 +113,7 @@ TEST_F(SourceAllocation, ArtistAndTitleWithoutMemoryLeaveNothing) {
         },
         [&](bool /*thrown*/) {
             Close();
-            EXPECT_EQ(g_lAggregators, 0);
+            ExpectNoStreamLeft();
         });
     EXPECT_GT(allocations, 5);
 }

@@ -1,6 +1,6 @@
 // Targets without memory: making, starting, writing, ending.
-#include "stream/LiveAggregators.h"
 #include "tests/faults/EachAllocation.h"
+#include "tests/faults/StreamsLeft.h"
 #include "tests/stream/TargetFixture.h"
 
 namespace {
@@ -20,7 +20,7 @@ protected:
         Close();
         EXPECT_EQ(m_script.m_nAlive, 0);
         EXPECT_EQ(m_factory.m_convertor.m_nAlive, 0);
-        EXPECT_EQ(g_lAggregators, 0);
+        ExpectNoStreamLeft();
     }
 
     unsigned char m_block[4096] = {};
