@@ -4,6 +4,7 @@
 #include "com/InterfaceIds.h"
 #include "com/NamedSettings.h"
 #include "host/FailureText.h"
+#include "host/PluginSession.h"
 #include "host/validate/Checks.h"
 #include "host/validate/Outcome.h"
 #include "host/validate/Sink.h"
@@ -66,7 +67,7 @@ void ExpectText(const char* text, const std::string& what) {
 void ListsSettings(CTrial& trial) {
     ForEachOwner(trial, [](INamedSettings& settings) {
         const int count = settings.GetSettingCount();
-        Expect(count >= 0, "a count of " + std::to_string(count));
+        Expect(IsPossibleCount(count), "a count of " + std::to_string(count));
         for (int i = 0; i < count; ++i) {
             const std::string place = " of setting " + std::to_string(i);
             ExpectText(settings.GetSettingName(i), "the name" + place);
