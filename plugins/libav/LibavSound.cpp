@@ -86,7 +86,7 @@ bool CLibavSound::NextBlock() {
     return false;
 }
 
-// By what has been read of a file that is too large to be looked through.
+// By what has been read: timestamps that were taken for steady break off, or go back behind a gap.
 bool CLibavSound::IsLengthDisproved() {
     return (m_length.m_bByTimes && !m_track.HasSteadyTimes()) || (m_length.m_bPromised && m_track.IsJoined());
 }

@@ -43,7 +43,7 @@ void CPositionedTrack::Restart() {
 
 void CPositionedTrack::BeginCount() {
     m_nBlockStart = m_nBlockFrames = 0;
-    m_nStamps = 0;
+    m_line.reset();
 }
 
 bool CPositionedTrack::Next() {
@@ -53,9 +53,9 @@ bool CPositionedTrack::Next() {
     if (Block().sample_rate < 1) throw CDamage("sound without a sample rate");
     m_nBlockFrames = Block().nb_samples;
     if (!m_timeline) m_timeline.emplace(m_track->Container().Stream().time_base, Block().sample_rate);
-    if (!m_bFromBeginning || !HasStamp()) return true;
-    m_timeline->Learn({Block().pts, m_nBlockStart});
-    NoteBreak({Block().pts, m_nBlockStart});
+    if (!m_bFromBeginning) return true;
+    NoteBreak();
+    if (HasStamp()) m_timeline->Learn({Block().pts, m_nBlockStart});
     return true;
 }
 
@@ -71,14 +71,15 @@ bool CPositionedTrack::HasSteadyTimes() {
 
 bool CPositionedTrack::IsJoined() { return !HasSteadyTimes() && *m_steadiness == JOINED; }
 
-// The first block may lack the encoder's delay. Timestamps that are wrong by a packet do not go back by a second.
-void CPositionedTrack::NoteBreak(const SStamp& stamp) {
-    const bool breaks = ++m_nStamps > 2 && !m_timeline->Continues(m_before, stamp);
-    if (breaks && (m_steadiness == TAKEN_FOR_STEADY || m_steadiness == UNSTEADY)) {
-        const std::int64_t back = m_timeline->PositionNear(m_before.m_nTime) - m_timeline->PositionNear(stamp.m_nTime);
-        m_steadiness = back > Block().sample_rate ? JOINED : UNSTEADY;
+// Behind a break a new line begins: where there was a gap, another recording may still be joined on.
+void CPositionedTrack::NoteBreak() {
+    const bool vague = m_track->Container().Format().m_eTimes == TJ_VAGUE;
+    if (!m_line) m_line.emplace(CTimeline(m_track->Container().Stream().time_base, Block().sample_rate), true, vague);
+    if (m_line->Accepts(HasStamp() ? Block().pts : AV_NOPTS_VALUE, m_nBlockFrames)) return;
+    if (m_steadiness == TAKEN_FOR_STEADY || m_steadiness == UNSTEADY) {
+        m_steadiness = m_line->GoesBack() ? JOINED : UNSTEADY;
     }
-    m_before = stamp;
+    m_line.reset();
 }
 
 // A broadcast stamps its packets now and then. Between two stamps libavformat counts on, behind a jump from the wrong

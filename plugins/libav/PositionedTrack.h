@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "plugins/libav/StampLine.h"
 #include "plugins/libav/SteadyTimes.h"
 #include "plugins/libav/Timeline.h"
 #include "plugins/libav/Track.h"
@@ -31,11 +32,11 @@ public:
     // then the place is lost until Restart.
     bool Approach(std::int64_t position);
 
-    // Whether the file's timestamps run on with its sound, as far as that is known: seen at the first question, or
-    // while reading a file that is too large to be looked through.
+    // Whether the file's timestamps run on with its sound, as far as that is known: looked for at the first question,
+    // and seen while reading where they were but taken for steady.
     bool HasSteadyTimes();
 
-    // Whether they go back, where another recording was joined on; known as far as the above.
+    // Whether they go back, where another recording was joined on; behind a gap, that is seen while reading.
     bool IsJoined();
 
     // Where the sound ends, by the timestamps of its end; none where they do not tell it to the frame. The place is
@@ -51,7 +52,7 @@ private:
     bool Jump(std::int64_t time);
     bool NextOfRun();
     void NoteStamp();
-    void NoteBreak(const SStamp& stamp);
+    void NoteBreak();
     bool HasTrueTimes() const;
     std::optional<std::int64_t> LateTime();
 
@@ -64,8 +65,7 @@ private:
     std::optional<ESteadiness> m_steadiness;  // none before the first question
     std::vector<SStamp> m_vRun;               // blocks behind a jump whose timestamps agree
     SStamp m_last{};                          // the run's last block
-    SStamp m_before{};                        // of the block before, from the beginning on
-    int m_nStamps = 0;                        // from the beginning on
+    std::optional<CStampLine> m_line;         // from the beginning on, or from behind a break
     int m_nUncounted = 0;                     // packets behind a jump that are still to come
     int m_nRefused = 0;                       // packets since the jump
 };

@@ -18,5 +18,5 @@ struct SSoundLength {
 };
 
 // `track` stands on its first block, also afterwards. Reads on in the file where its header does not tell. Unknown
-// where the timestamps are no guide.
+// where only timestamps would tell that are no guide, and where another recording was joined on.
 SSoundLength LengthOf(const std::shared_ptr<const CInputFile>& file, CPositionedTrack& track);

@@ -10,7 +10,7 @@ enum ESteadiness {
     UNSTEADY,  // with gaps, or damaged
     JOINED,    // going back, where another recording was joined on
     STEADY,
-    TAKEN_FOR_STEADY,  // a large file, which is not looked through: that would take as long as reading it
+    TAKEN_FOR_STEADY,  // as far as is known: of a large file, or where decoding alone tells the frames of packets
 };
 
 struct SSteadiness {

@@ -77,9 +77,13 @@ INSTANTIATE_TEST_SUITE_P(Libav, LibavJoin,
 TEST_F(LibavJoin, OfALargeFileIsSeenWhileReading) {
     RunTool(kSound + m_scratch / "x.flac");
     const std::string whole = Content(m_scratch / "x.flac");
-    std::string padding;
-    for (int i = 0; i < 4; ++i) padding += '\1' + BigEndian(0xFFFFFF, 3) + std::string(0xFFFFFF, '\0');
-    SSource source(m_scratch.Write("x.flac", whole.substr(0, 42) + padding + whole.substr(42) + whole));
+    const std::string path = m_scratch.Write("x.flac", whole.substr(0, 42));
+    for (int i = 0; i < 32; ++i) {
+        std::ofstream(path, std::ios::binary | std::ios::app) << '\1' + BigEndian(0xFFFFFF, 3);
+        std::filesystem::resize_file(path, std::filesystem::file_size(path) + 0xFFFFFF);
+    }
+    std::ofstream(path, std::ios::binary | std::ios::app) << whole.substr(42) + whole;
+    SSource source(path);
     EXPECT_EQ(source.m_blocks->GetDataLength(), 352802u);
     source.ReadOn(360000 * 4);
     EXPECT_EQ(source.m_blocks->GetDataLength(), 0u);
@@ -123,21 +127,75 @@ TEST_F(LibavGap, ThatGrowsSlowlyIsNotCountedAsSound) {
     ExpectNoGuess(m_scratch / "x.mka", 7.95);
 }
 
-// A large file is not looked through when it is opened.
-TEST_F(LibavGap, OfALargeFileIsSeenWhileReading) {
-    const std::string path = m_scratch / "x.m4a";
-    RunTool(kSound + R"(-af 'asetpts=PTS+if(gt(T\,3)\,5/TB\,0)' -c:a alac )" + path);
-    // A box of free space, which is a hole in the file.
-    constexpr std::uint64_t kFree = 1 << 26;
+// Eight seconds in packets of seven blocks: the demuxer takes as many bytes as it does of PCM, and no parser divides
+// them.
+class LibavGapInLongPackets : public LibavGap {
+protected:
+    // Behind 3.4 seconds `gap` more.
+    std::string Write(const std::string& gap) const {
+        RunTool(kSound + "-ar 48000 -b:a 192k -c:a mp2 " + m_scratch / "x.wav");
+        const std::string path = m_scratch / "x.nut";
+        RunTool("ffmpeg -fflags +noparse -i " + m_scratch / "x.wav" + " -c copy -bsf:a " +
+                R"('setts=ts=(N*7*1152/48000+if(gt(N\,20)\,)" + gap + R"(\,0))/TB' )" + path);
+        return path;
+    }
+};
+
+TEST_F(LibavGapInLongPackets, IsNotCountedAsSound) { ExpectNoGuess(Write("5"), 7.95); }
+
+// Nothing but decoding tells that the packet before it is not so long.
+TEST_F(LibavGapInLongPackets, ShorterThanAPacketIsSeenWhileReading) {
+    SSource source(Write("0.1"));
+    const std::uint64_t guess = source.m_blocks->GetDataLength();
+    source.ReadOn(4 * 48000 * 4);
+    EXPECT_EQ(source.m_blocks->GetDataLength(), 0u);
+    source.ReadOn();
+    EXPECT_EQ(source.m_strFailure, "");
+    EXPECT_EQ(source.m_blocks->GetDataLength() + 4800, guess);
+}
+
+TEST_F(LibavGapInLongPackets, IsNotSeenWhereThereIsNone) {
+    SSource source(Write("0"));
+    const std::uint64_t length = source.m_blocks->GetDataLength();
+    EXPECT_EQ(length, source.ReadOn().size() / 4);
+    EXPECT_EQ(source.m_blocks->GetDataLength(), length);
+}
+
+// As ALAC with `options`, and `size` bytes behind it, which are a hole in the file: a box of free space.
+std::string SoundBefore(std::uint64_t size, const std::string& options, const CScratchDirectory& scratch) {
+    const std::string path = scratch / "x.m4a";
+    RunTool(kSound + options + " -c:a alac -y " + path);
     const std::string movie = Content(path);
-    m_scratch.Write("x.m4a", movie + BigEndian(1, 4) + "free" + BigEndian(kFree, 8));
-    std::filesystem::resize_file(path, movie.size() + kFree);
-    SSource source(path);
+    scratch.Write("x.m4a", movie + BigEndian(1, 4) + "free" + BigEndian(size, 8));
+    std::filesystem::resize_file(path, movie.size() + size);
+    return path;
+}
+
+const std::string kGap = R"(-af 'asetpts=PTS+if(gt(T\,3)\,5/TB\,0)')";
+
+// More is not looked through when a file is opened.
+constexpr std::uint64_t kLargeFile = 1 << 29;
+
+TEST_F(LibavGap, OfAnAlbumIsSeenWhenItIsOpened) {
+    ExpectNoGuess(SoundBefore(kLargeFile - (10 << 20), kGap, m_scratch), 7.95);
+}
+
+TEST_F(LibavGap, OfALargeFileIsSeenWhileReading) {
+    SSource source(SoundBefore(kLargeFile, kGap, m_scratch));
     EXPECT_NE(source.m_blocks->GetDataLength(), 0u);
     source.ReadOn(140000 * 4);
     EXPECT_EQ(source.m_blocks->GetDataLength(), 0u);
     source.ReadOn();
     EXPECT_EQ(source.m_blocks->GetDataLength(), 352802u);
+}
+
+TEST_F(LibavGap, IsNotSeenInOneWrongTimestamp) {
+    for (const std::uint64_t size : {std::uint64_t{16}, kLargeFile}) {
+        SSource source(SoundBefore(size, R"(-bsf:a 'setts=ts=TS+if(eq(N\,30)\,900\,0)')", m_scratch));
+        EXPECT_EQ(source.m_blocks->GetDataLength(), 352802u) << size;
+        source.ReadOn(200000 * 4);
+        EXPECT_EQ(source.m_blocks->GetDataLength(), 352802u) << size;
+    }
 }
 
 }  // namespace
