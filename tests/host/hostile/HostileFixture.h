@@ -8,6 +8,9 @@ protected:
     // The plug-in whose name says what it does.
     void UseHostile(const std::string& name) const { Copy(KELO_HOSTILE_FIXTURE, name); }
 
+    // The same of a convertor.
+    void UseHostileConvertor(const std::string& name) const { Copy(KELO_HOSTILE_CONVERTOR, name); }
+
     // One that the validator is tested with.
     void UseImpolite(const std::string& name) const { Copy(KELO_VALIDATE_FIXTURE, name); }
 

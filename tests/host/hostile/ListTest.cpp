@@ -3,6 +3,7 @@
 #include <sys/resource.h>
 
 #include <chrono>
+#include <map>
 #include <nlohmann/json.hpp>
 
 #include "tests/host/hostile/HostileFixture.h"
@@ -82,16 +83,39 @@ INSTANTIATE_TEST_SUITE_P(
         SEnding{"ExitsInGetAt", "ended the process with status 0"},
         SEnding{"EndlessExtensions", "Fixture: impossible count: 2147483647 extensions"},
         SEnding{"NegativeExtensions", "Fixture: impossible count: -1 extensions"},
+        SEnding{"EndlessSettings", "Fixture: impossible count: 2147483647 settings"},
+        SEnding{"NegativeSettings", "Fixture: impossible count: -1 settings"},
         SEnding{"ThrowsErrorInEntry", "threw: a hostile word"},
         SEnding{"ThrowsErrorInInitialize", "threw: a hostile word"},
         SEnding{"ThrowsErrorInGetCount", "threw: a hostile word"},
         SEnding{"ThrowsErrorInOpenTarget", "threw: a hostile word"},
+        SEnding{"ThrowsErrorInHasTag", "threw: a hostile word"},
+        SEnding{"ThrowsErrorInGetSettingCount", "threw: a hostile word"},
+        SEnding{"ThrowsErrorInGetSettingName", "threw: a hostile word"},
+        SEnding{"ThrowsErrorInGetSettingValues", "threw: a hostile word"},
+        SEnding{"ThrowsErrorInGetSetting", "threw: a hostile word"},
         SEnding{"ThrowsErrorInQueryInterface", "threw: a hostile word"},
         SEnding{"ThrowsIntInInitialize", "threw: an exception of type int"},
         SEnding{"ThrowsIntInGetName", "threw: an exception of type int"},
         SEnding{"ThrowsOtherInGetType", "threw: an exception of type (anonymous namespace)::SOther"},
         SEnding{"ThrowsOtherInGetOpenerState", "threw: an exception of type (anonymous namespace)::SOther"}),
     NameOf);
+
+TEST_F(ListBesideHostile, ConvertorsAreNamedWithTheirEnds) {
+    const std::map<std::string, std::string> endings = {
+        {"EndlessSettings", "Fixture: impossible count: 2147483647 settings"},
+        {"ThrowsErrorInGetSetting", "threw: a hostile word"},
+        {"ThrowsErrorInIsSupported", "threw: a hostile word"},
+    };
+    for (const auto& [plugin, ending] : endings) UseHostileConvertor(plugin);
+    UseHealthy();
+    const SRunResult result = RunWithChosen({"list"});
+    EXPECT_EQ(result.m_nExit, 1);
+    ExpectOthers(result);
+    for (const auto& [plugin, ending] : endings) {
+        EXPECT_NE(result.m_strErr.find(FailureLine(plugin, ending)), std::string::npos) << result.m_strErr;
+    }
+}
 
 TEST_F(ListBesideHostile, PluginsThatHangAreAllNamedAfterOneMoreWait) {
     for (const std::string name : {"HangsInEntry", "HangsInGetName", "HangsInTerminate"}) UseHostile(name);
