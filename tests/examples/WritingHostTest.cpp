@@ -2,6 +2,7 @@
 #include <cstdlib>
 
 #include "tests/examples/ExamplesTest.h"
+#include "tests/support/Sanitizers.h"
 
 namespace {
 
@@ -65,6 +66,10 @@ protected:
         for (const std::filesystem::path plugin : {KELO_SNDFILE_PLUGIN, KELO_SOXR_PLUGIN}) {
             std::filesystem::copy_file(plugin, PluginDirectory() / plugin.filename());
         }
+        // libgomp, which libsoxr brings along, leaves 8 bytes behind when it is unloaded with the plug-in; loaded by
+        // the program itself it stays, and the leak checker sees that the bytes are in use.
+        if (support::kAddressSanitizer) setenv("LD_PRELOAD", "libgomp.so.1", 1);
+        if (support::kAddressSanitizer) setenv("ASAN_OPTIONS", "verify_asan_link_order=0", 1);
     }
 };
 
@@ -72,11 +77,9 @@ protected:
 TEST_F(WritingHostAmongCodecs, WritesWhatTheFileTakes) {
     m_scratch.Write("some.plain", PlainFile(44100).replace(4, 2, "\x44\xAC"));
     ASSERT_EQ(Write("some.plain", "some.opus"), 0) << ReadFile(m_scratch / "failure");
-    m_manager->SetPluginDirectory(PluginDirectory().c_str());
-    m_manager->LoadPlugins();
-    const auto stream = Open(m_scratch / "some.opus");
-    EXPECT_EQ(CComPtr<IAudioRawReader>::Query(stream.Get(), IID_IAudioRawReader)->GetRawFormat(), kFormat);
-    EXPECT_EQ(ReadAll(stream).size(), 48000U * 4);
+    ASSERT_EQ(Write("some.opus", "back.plain"), 0) << ReadFile(m_scratch / "failure");
+    EXPECT_EQ(ReadFile(m_scratch / "back.plain").substr(0, 12), PlainFile(0).substr(0, 12));
+    EXPECT_EQ(SamplesOf(ReadFile(m_scratch / "back.plain")).size(), 48000U * 4);
 }
 
 TEST_F(WritingHostAmongCodecs, LeavesTheOldFileWhereASoundBreaksOff) {
