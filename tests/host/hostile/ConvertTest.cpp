@@ -2,13 +2,37 @@
 #include <signal.h>
 #include <stdlib.h>
 
+#include <nlohmann/json.hpp>
+
 #include "tests/host/hostile/HostileFixture.h"
+#include "tests/host/hostile/MarkedSound.h"
 #include "tests/support/Sanitizers.h"
 
 namespace {
 
 class ConvertBesideHostile : public CBesideHostile {
 protected:
+    // False where the system has no sources of locales.
+    bool MakeCommaLocale() const {
+        std::filesystem::create_directory(m_scratch / "locales");
+        const std::string locale = m_scratch / "locales/comma";
+        RunProgram({"localedef", "-i", "de_DE", "-f", "ISO-8859-15", locale});
+        return std::filesystem::exists(locale + "/LC_NUMERIC");
+    }
+
+    SRunResult RunInCommaLocale(std::vector<std::string> arguments,
+                                const std::vector<std::string>& options = {}) const {
+        arguments.insert(arguments.begin(), {"env", "LOCPATH=" + (m_scratch / "locales"), "LC_ALL=comma", KELOAUDIO});
+        arguments.insert(arguments.end(), {"--plugins", PluginDirectory()});
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        return RunProgram(arguments, WorkDirectory());
+    }
+
+    static nlohmann::json Parse(const SRunResult& result) {
+        EXPECT_EQ(result.m_nExit, 0) << result.m_strErr;
+        return nlohmann::json::parse(result.m_strOut);
+    }
+
     void ExpectLastWord(const std::vector<std::string>& arguments, int signal) const {
         const SRunResult result = RunWithChosen(arguments);
         // The sanitizers have their own ends for a crash, which come after the last word.
@@ -81,6 +105,26 @@ TEST_F(ConvertBesideHostile, PluginThatRefusesToFinishDoesNotHoldUpTheEnd) {
     setenv("LSAN_OPTIONS", "detect_leaks=0", 1);
     ExpectConverted(RunWithChosen({"convert", kFrontCenter, "out.wav"}), "out.wav: 48000 Hz");
     unsetenv("LSAN_OPTIONS");
+}
+
+TEST_F(ConvertBesideHostile, ThreadThatAPluginLeavesDoesNotHoldUpTheEnd) {
+    UseImpolite("LeavesThread");
+    UsePlugin(KELO_PLUGINS, "sndfile.so");
+    ExpectConverted(RunWithChosen({"convert", kFrontCenter, "out.wav"}), "out.wav: 48000 Hz");
+}
+
+TEST_F(ConvertBesideHostile, NumbersKeepTheirPointInALocaleWithACommaThatAPluginAdopts) {
+    if (!MakeCommaLocale()) GTEST_SKIP() << "no sources of locales";
+    m_scratch.Write("work/in.wav", MarkedSound());
+    UseHostile("AdoptsLocaleInInitialize");
+    UsePlugin(KELO_PLUGINS, "sndfile.so");
+    const SRunResult text = RunInCommaLocale({"info", "in.wav"});
+    EXPECT_NE(text.m_strOut.find(" 24000 frames, 0.500 s\n"), std::string::npos) << text.m_strOut << text.m_strErr;
+    EXPECT_NE(text.m_strOut.find("index     0.020 s\n"), std::string::npos) << text.m_strOut;
+    EXPECT_EQ(Parse(RunInCommaLocale({"info", "--json", "in.wav"})).at("sources").at(0).at("seconds"), 0.5);
+    const std::vector<std::string> convert = {"convert", "in.wav", "out.oga", "--end", "0.25", "--set", "quality=6.5"};
+    ExpectConverted(RunInCommaLocale(convert), "out.oga: 48000 Hz, 16 bits, 2 channels, 12000 frames, 0.250 s\n");
+    EXPECT_EQ(Parse(RunInCommaLocale(convert, {"--json"})).at("target").at("seconds"), 0.25);
 }
 
 TEST_F(ConvertBesideHostile, NamesOfComponentsAreNotAskedFor) {
