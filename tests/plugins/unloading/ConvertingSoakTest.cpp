@@ -17,6 +17,8 @@
 #include "stream/RawReader.h"
 #include "stream/RawWriter.h"
 #include "tests/plugins/sndfile/AudioFiles.h"
+#include "tests/plugins/unloading/OneFileServer.h"
+#include "tests/support/FetchEnvironment.h"
 #include "tests/support/ManagerHold.h"
 #include "tests/support/ProcessUse.h"
 #include "tests/support/Sanitizers.h"
@@ -40,12 +42,22 @@ std::string ShortSound() {
     return WavFile(kStored, samples);
 }
 
-class ConvertingSoak : public testing::Test {
+struct SSoak {
+    const char* m_pName;
+    const char* m_pPlugin;   // besides those that convert WAV
+    const char* m_pSource;   // null for the WAV file
+    bool m_bRemote = false;  // the WAV file is fetched
+    int m_nShare = 1;        // how much longer than of the WAV file a round takes
+};
+
+class ConvertingSoak : public testing::TestWithParam<SSoak> {
 protected:
     ConvertingSoak() {
+        support::PrepareToFetch(m_scratch / "temporary");
         std::filesystem::create_directory(m_scratch / "plugins");
-        for (const std::filesystem::path plugin : {KELO_SNDFILE_PLUGIN, KELO_SOXR_PLUGIN}) {
-            std::filesystem::create_symlink(plugin, m_scratch.Path() / "plugins" / plugin.filename());
+        for (const std::filesystem::path plugin : {KELO_SNDFILE_PLUGIN, KELO_SOXR_PLUGIN, GetParam().m_pPlugin}) {
+            std::error_code there;
+            std::filesystem::create_symlink(plugin, m_scratch.Path() / "plugins" / plugin.filename(), there);
         }
         m_manager->SetPluginDirectory((m_scratch / "plugins").c_str());
         m_scratch.Write("in.wav", ShortSound());
@@ -67,11 +79,20 @@ protected:
     }
 
     void Convert() {
+        if (!GetParam().m_bRemote) {
+            Convert(GetParam().m_pSource != nullptr ? GetParam().m_pSource : m_scratch / "in.wav");
+        } else {
+            const COneFileServer server(m_scratch / "in.wav");
+            Convert(server.URL("in.wav"));
+        }
+    }
+
+    void Convert(const std::string& url) {
         CComPtr<IUnknown> source;
         CComPtr<IUnknown> target;
         CComPtr<IAudioTarget> opened;
-        ASSERT_TRUE(m_manager->OpenURLAudioFile((m_scratch / "in.wav").c_str(), &kConverted, source.Out(), -1,
-                                                AUX_CONVERT, AUX_NONE, nullptr));
+        ASSERT_TRUE(
+            m_manager->OpenURLAudioFile(url.c_str(), &kConverted, source.Out(), -1, AUX_CONVERT, AUX_NONE, nullptr));
         ASSERT_NO_FATAL_FAILURE(OpenTarget(opened));
         ASSERT_TRUE(m_manager->CreateURLAudioTarget(opened->GetTargetFactory(), target.Out(), kConverted, nullptr));
         const auto reading = CComPtr<IProcess>::Query(source.Get(), IID_IProcess);
@@ -107,26 +128,42 @@ protected:
     std::uintmax_t m_nOutputBytes = 0;
 };
 
-TEST_F(ConvertingSoak, LeavesNothingBehind) {
+TEST_P(ConvertingSoak, LeavesNothingBehind) {
     m_manager->LoadPlugins();
     ASSERT_NO_FATAL_FAILURE(Convert());
     ASSERT_TRUE(m_manager->UnloadPlugins());
     m_nOutputBytes = std::filesystem::file_size(m_scratch / "out.wav");
     ASSERT_GT(m_nOutputBytes, 4800U * 3);
     // What the process and the codec libraries set up once is not what this test looks for.
-    ASSERT_NO_FATAL_FAILURE(RunRounds(100));
+    ASSERT_NO_FATAL_FAILURE(RunRounds(100 / GetParam().m_nShare));
     const support::SProcessUse before = support::MeasureUse();
-    const int rounds = Rounds();
+    const int rounds = Rounds() / GetParam().m_nShare;
     ASSERT_NO_FATAL_FAILURE(RunRounds(rounds));
     const support::SProcessUse after = support::MeasureUse();
 
     RecordProperty("allocated", std::to_string(before.m_nAllocated) + " to " + std::to_string(after.m_nAllocated));
     RecordProperty("mapped", std::to_string(before.m_nMapped) + " to " + std::to_string(after.m_nMapped));
     EXPECT_EQ(after.m_nDescriptors, before.m_nDescriptors);
-    EXPECT_EQ(support::Mappings().find(KELO_SNDFILE_PLUGIN), std::string::npos);
-    EXPECT_EQ(support::Mappings().find(KELO_SOXR_PLUGIN), std::string::npos);
+    for (const char* const plugin : {KELO_SNDFILE_PLUGIN, KELO_SOXR_PLUGIN, GetParam().m_pPlugin}) {
+        EXPECT_EQ(support::Mappings().find(plugin), std::string::npos) << plugin;
+    }
     if (support::kSanitized) return;
     support::ExpectNoMoreMemory(before, after, rounds);
 }
+
+// As far as the plug-ins are built.
+std::vector<SSoak> Soaks() {
+    std::vector<SSoak> soaks{{"Wav", KELO_SNDFILE_PLUGIN, nullptr}};
+#ifdef KELO_LIBAV_PLUGIN
+    soaks.push_back({"Matroska", KELO_LIBAV_PLUGIN, KELO_MEDIA "/flac.mka", false, 10});
+#endif
+#ifdef KELO_CURL_PLUGIN
+    soaks.push_back({"Remote", KELO_CURL_PLUGIN, nullptr, true, 4});
+#endif
+    return soaks;
+}
+
+INSTANTIATE_TEST_SUITE_P(Sources, ConvertingSoak, testing::ValuesIn(Soaks()),
+                         [](const auto& test) { return std::string(test.param.m_pName); });
 
 }  // namespace
