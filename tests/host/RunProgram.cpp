@@ -128,6 +128,12 @@ bool CRunningProgram::HasEnded() {
     return m_bEnded;
 }
 
+bool CRunningProgram::CanCountOpening() {
+    std::string call;
+    std::ifstream file("/proc/" + std::to_string(m_id) + "/syscall");
+    return std::getline(file, call) || HasEnded();
+}
+
 int CRunningProgram::CountOpening() const {
     int count = 0;
     std::error_code ended;

@@ -31,6 +31,9 @@ public:
     // Nothing happens to a program that has ended.
     void Signal(int signal);
 
+    // False where the kernel does not tell what another process waits for, ptrace(2) on access modes.
+    bool CanCountOpening();
+
     // How many of its threads are waiting in a call that opens a file, as for the other end of a pipe.
     int CountOpening() const;
 
