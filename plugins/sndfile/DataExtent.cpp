@@ -90,6 +90,19 @@ bool IsChunk(CFileBytes& file, const SChunkLayout& layout, std::uint64_t at) {
            layout.m_pNumber(header.substr(layout.m_nNameBytes)) <= file.Size() - at;
 }
 
+// Whether `size` bytes from `start` on end with the file or, maybe after padding, before a chunk.
+bool EndsWell(CFileBytes& file, const SChunkLayout& layout, std::uint64_t start, std::uint64_t size) {
+    if (start > file.Size() || size > file.Size() - start) return false;
+    const std::uint64_t end = start + size;
+    const std::uint64_t padded = end + layout.m_nAlignment - 1;
+    return padded >= file.Size() || IsChunk(file, layout, end) || IsChunk(file, layout, padded);
+}
+
+// With room for what the size counts besides.
+bool Holds(std::size_t fieldBytes, std::uint64_t size) {
+    return fieldBytes == 8 || size < (std::uint64_t{1} << 8 * fieldBytes) - 0x10000;
+}
+
 // EBU Tech 3306: the sizes of an RF64 file are in a chunk of their own, that of the samples its second. Where it
 // comes before them, the codec asks no other.
 SDeclaredSize DeclaredSize(CFileBytes& file, const SChunkLayout& layout, const SChunk& data) {
@@ -102,7 +115,8 @@ SDeclaredSize DeclaredSize(CFileBytes& file, const SChunkLayout& layout, const S
     return {FromLittleEndian(file.At(field, 8)), field, 8};
 }
 
-// .snd, offset of the samples, their size (Sun's audio(5)); .snd turned round, lowest bytes first.
+// .snd, offset of the samples, their size (Sun's audio(5)); .snd turned round, lowest bytes first. libsndfile 1.2.0
+// takes sizes from 2 GiB on for negative ones, but for all ones, with which it goes by the size of the file.
 std::optional<SDataExtent> FindAuExtent(CFileBytes& file) {
     const SChunkLayout& layout = file.At(0, 1) == "." ? kBigRiff : kRiff;
     const std::string_view header = file.At(0, 12);
@@ -110,8 +124,9 @@ std::optional<SDataExtent> FindAuExtent(CFileBytes& file) {
     const std::uint64_t start = layout.m_pNumber(header.substr(4, 4));
     const std::uint64_t size = layout.m_pNumber(header.substr(8));
     const std::uint64_t present = file.Size() > start ? file.Size() - start : 0;
-    return SDataExtent{IsUnknown(size) ? 0 : size, present, size == 0 && present != 0, 8,
-                       SizeBytes(present, 4, layout.m_pNumber)};
+    const std::uint64_t known = IsUnknown(size) ? 0 : size;
+    const bool misleading = (known == 0 || size > INT32_MAX) && present != 0;
+    return SDataExtent{known, present, misleading, false, 8, SizeBytes(UINT32_MAX, 4, layout.m_pNumber)};
 }
 
 }  // namespace
@@ -133,11 +148,14 @@ std::optional<SDataExtent> FindDataExtent(CFileBytes& file, const std::string& f
 
     const std::uint64_t start = data->m_nContent + header;
     const std::uint64_t present = file.Size() > start ? file.Size() - start : 0;
-    const bool open = size <= header ? !IsChunk(file, layout, start) : IsUnknown(size) && size - header > present;
-    // With room for what the size counts besides.
-    const bool fits =
-        declared.m_nFieldBytes == 8 || present < (std::uint64_t{1} << 8 * declared.m_nFieldBytes) - 0x10000;
-    const bool unfinished = open && present != 0 && fits;
-    return SDataExtent{IsUnknown(size) || size < header ? 0 : size - header, present, unfinished, declared.m_nField,
-                       SizeBytes(present + header + layout.m_nSizeCounts, declared.m_nFieldBytes, layout.m_pNumber)};
+    const bool open = size <= header ? !IsChunk(file, layout, start)
+                                     : IsUnknown(size) && !EndsWell(file, layout, start, size - header);
+    const bool holds = Holds(declared.m_nFieldBytes, present);
+    // libsndfile 1.2.0 takes a 0 in AIFF for all that is there, and does not need the size of VOC.
+    const bool allByZero = format->m_strData[0] == 'S';
+    const bool tooLong = open && !holds && declared.m_nFieldBytes == 4 && !allByZero;
+    const std::uint64_t known = IsUnknown(size) || size < header ? 0 : size - header;
+    const std::uint64_t counted = holds ? present + header + layout.m_nSizeCounts : 0;
+    return SDataExtent{known,   present,           open && (holds || allByZero) && present != 0,
+                       tooLong, declared.m_nField, SizeBytes(counted, declared.m_nFieldBytes, layout.m_pNumber)};
 }

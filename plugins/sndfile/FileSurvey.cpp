@@ -99,12 +99,12 @@ void SurveyOgg(CFileBytes& file, SFileSurvey& survey) {
     if (end.m_nAt != 0) survey.m_splice = SSplice{end.m_nAt, file.Size() - end.m_nAt, ""};
 }
 
-// The codec may take a size that was never filled in for no samples at all, and refuses a CAF file with fewer samples
-// than declared.
+// The codec may take a size that was never filled in, or a great one, for no samples at all, and refuses a CAF file
+// with fewer samples than declared.
 void SurveySamples(const std::string& formatName, SFileSurvey& survey) {
     if (!survey.m_extent) return;
     const SDataExtent& extent = *survey.m_extent;
-    if (!extent.m_bUnfinished && !(extent.IsCutShort() && formatName == "CAF")) return;
+    if (!extent.m_bMisleading && !(extent.IsCutShort() && formatName == "CAF")) return;
     survey.m_splice = SSplice{extent.m_nSizeField, extent.m_strTrueSize.size(), extent.m_strTrueSize};
 }
 

@@ -106,6 +106,8 @@ CSoundFile::CSoundFile(CFileDescriptor descriptor, std::string formatName)
 void CSoundFile::OpenHandle() {
     if (m_survey.m_bChained)
         Refuse("not readable as Ogg audio: a chain of streams, of which only the first would be heard");
+    if (m_survey.m_extent && m_survey.m_extent->m_bTooLong)
+        Refuse("not readable as " + m_strFormatName + " audio: longer than its header can tell");
     m_info = {};
     m_handle.reset(m_spliced != nullptr ? m_spliced->OpenHandle(m_info) : OpenFromStart(m_descriptor.Get(), m_info));
     if (m_handle != nullptr) return;
@@ -162,8 +164,9 @@ void CSoundFile::Promise() {
         m_survey.m_bEndMissing = m_survey.m_extent->IsCutShort();
     } else if (m_survey.m_extent->IsCutShort()) {
         m_survey.m_nPromised = declared / frameBytes;
-    } else if (container == SF_FORMAT_SVX && declared != 0) {
-        // libsndfile 1.2.0 counts the byte that pads odd samples among them.
+    } else if ((container == SF_FORMAT_SVX || container == SF_FORMAT_AU) && declared != 0) {
+        // libsndfile 1.2.0 counts the byte that pads odd samples among them. Behind those of an AU file, whose size it
+        // may not know, other bytes may follow.
         m_info.frames = std::min(m_info.frames, declared / frameBytes);
     }
 }
