@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <stdexcept>
 
 #include "plugins/sndfile/Id3Tag.h"
 #include "plugins/sndfile/OutputSettings.h"
@@ -68,7 +69,7 @@ CSampleWriter::CSampleWriter(const SOutputFormat& output, const STargetRequest& 
     }
     try {
         m_file = Create(output, request, accepted);
-    } catch (const std::exception& reason) {
+    } catch (const std::runtime_error& reason) {
         Refuse(std::string("cannot be written: ") + reason.what());
     }
 }

@@ -4,7 +4,7 @@
 #include "sdk/Convertor.h"
 #include "sdk/Decoder.h"
 #include "tests/sdk/CountingSound.h"
-#include "tests/support/Heap.h"
+#include "tests/support/EachAllocation.h"
 #include "tests/support/ManagerHold.h"
 #include "tests/support/StreamQueries.h"
 
@@ -65,19 +65,16 @@ TEST_F(SdkDecoder, ListsItsExtensions) {
 }
 
 TEST_F(SdkDecoder, WithoutMemoryItOpensNothingAndThrowsNothing) {
-    if (!kHeapIsReplaced) GTEST_SKIP() << kHeapIsTaken;
-    bool struck = true;
-    for (int allocation = 1; struck; ++allocation) {
-        CComPtr<IUnknown> stream;
-        CComPtr<IStatus> status;
-        const CFailingAllocation failing(allocation);
-        const bool opened =
-            m_decoder.Open("/songs/of a length.count", stream.Out(), AUX_CONVERT, AUX_NONE, status.Out());
-        struck = failing.HasStruck();
-        EXPECT_EQ(opened, !struck) << allocation;
-        EXPECT_EQ(stream.Get() != nullptr, opened) << allocation;
-        EXPECT_EQ(status ? status->GetSysError() : 0, struck ? static_cast<unsigned int>(ENOMEM) : 0) << allocation;
-    }
+    CComPtr<IUnknown> stream;
+    CComPtr<IStatus> status;
+    support::LackEachAllocation(
+        [&] { return m_decoder.Open("/songs/of a length.count", stream.Out(), AUX_CONVERT, AUX_NONE, status.Out()); },
+        [&](bool opened) {
+            EXPECT_EQ(stream.Get() != nullptr, opened);
+            EXPECT_EQ(status ? status->GetSysError() : 0, opened ? 0 : static_cast<unsigned int>(ENOMEM));
+            stream.Reset();
+            status.Reset();
+        });
 }
 
 TEST_F(SdkDecoder, OpenerIsItsFirstTableWithTheControlBehindIt) {

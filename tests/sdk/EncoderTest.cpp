@@ -1,11 +1,12 @@
 // Encoder components, their targets and their streams.
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <string>
 #include <vector>
 
 #include "sdk/Encoder.h"
-#include "tests/support/Heap.h"
+#include "tests/support/EachAllocation.h"
 #include "tests/support/StreamQueries.h"
 
 namespace {
@@ -97,18 +98,16 @@ TEST_F(SdkEncoder, RefusesAnExtensionThatItDoesNotList) {
 }
 
 TEST_F(SdkEncoder, WithoutMemoryItOpensNoTargetAndThrowsNothing) {
-    if (!kHeapIsReplaced) GTEST_SKIP() << kHeapIsTaken;
-    bool struck = true;
-    for (int allocation = 1; struck; ++allocation) {
-        CComPtr<IAudioTarget> target;
-        CComPtr<IStatus> status;
-        const CFailingAllocation failing(allocation);
-        const bool opened = m_encoder.OpenTarget("/songs/of a length.mem", "mem", target.Out(), status.Out());
-        struck = failing.HasStruck();
-        EXPECT_EQ(opened, !struck) << allocation;
-        EXPECT_EQ(target.Get() != nullptr, opened) << allocation;
-        EXPECT_EQ(status ? status->GetSysError() : 0, struck ? static_cast<unsigned int>(ENOMEM) : 0) << allocation;
-    }
+    CComPtr<IAudioTarget> target;
+    CComPtr<IStatus> status;
+    support::LackEachAllocation(
+        [&] { return m_encoder.OpenTarget("/songs/of a length.mem", "mem", target.Out(), status.Out()); },
+        [&](bool opened) {
+            EXPECT_EQ(target.Get() != nullptr, opened);
+            EXPECT_EQ(status ? status->GetSysError() : 0, opened ? 0 : static_cast<unsigned int>(ENOMEM));
+            target.Reset();
+            status.Reset();
+        });
 }
 
 TEST_F(SdkEncoder, NothingIsCreatedBeforeTheStart) {
@@ -195,13 +194,14 @@ TEST_F(SdkEncoder, SamplesLostInAConversionFailTheEnd) {
     ASSERT_TRUE(process->Start(nullptr));
     unsigned char data[] = {1, 2, 3, 4};
     EAudioRawState state = ARS_MORE;
-    constexpr int kFailedConversion = -1;
-    for (int i = 0; i < 2; ++i) {
+    // What a convertor says that has failed, or that does not tell the truth.
+    for (const int size : {-1, -4, INT_MIN}) {
         CComPtr<IStatus> status;
-        EXPECT_FALSE(writer->RawWrite(data, kFailedConversion, state, status.Out()));
+        EXPECT_FALSE(writer->RawWrite(data, size, state, status.Out()));
         EXPECT_FALSE(status) << "the convertor's own status is the reason";
     }
     EXPECT_FALSE(writer->RawWrite(data, 4, state, nullptr));
+    EXPECT_TRUE(m_encoder.m_written.m_bytes.empty());
     EXPECT_FALSE(process->End(nullptr));
 }
 

@@ -3,9 +3,11 @@
 
 #include <cerrno>
 #include <climits>
+#include <filesystem>
 
 #include "tests/plugins/libav/DecoderUnderTest.h"
-#include "tests/support/Heap.h"
+#include "tests/support/EachAllocation.h"
+#include "tests/support/ProcessUse.h"
 
 namespace {
 
@@ -67,25 +69,65 @@ TEST_F(LibavAllocation, AReadThatTheLibrariesHaveNoMemoryForSkipsNothing) {
 }
 
 TEST_F(LibavAllocation, ASeekInWhichOneAllocationFailsLosesNothing) {
-    if (!kHeapIsReplaced) GTEST_SKIP() << kHeapIsTaken;
     SSource source(Media("flac.mka"));
-    int failures = 0;
-    bool struck = true;
-    for (int allocation = 1; struck; ++allocation) {
-        ASSERT_TRUE(source.m_seekable->Seek(50000, nullptr));
-        bool done = false;
-        {
-            const CFailingAllocation failing(allocation);
-            // To the beginning, which opens the file anew.
-            done = source.m_seekable->Seek(7, nullptr);
-            struck = failing.HasStruck();
-        }
-        if (done) continue;
-        ++failures;
-        EXPECT_EQ(source.m_blocks->GetPos(), 50000u);
-        ExpectInPlace(source, 50000);
-    }
-    EXPECT_GT(failures, 0);
+    ASSERT_TRUE(source.m_seekable->Seek(50000, nullptr));
+    // To the beginning, which opens the file anew.
+    support::LackEachAllocation([&] { return source.m_seekable->Seek(7, nullptr); },
+                                [&](bool done) {
+                                    EXPECT_EQ(source.m_blocks->GetPos(), done ? 7u : 50000u);
+                                    if (!done) ExpectInPlace(source, 50000);
+                                    ASSERT_TRUE(source.m_seekable->Seek(50000, nullptr));
+                                });
 }
+
+// Each way to find a length: frames that the header counts, edits, the last page and the end of a broadcast.
+class LibavOpening : public testing::TestWithParam<const char*> {
+protected:
+    // Opens the file and fills `m_buffer`.
+    bool Read() {
+        CComPtr<IUnknown> stream;
+        if (!m_opener->Open(m_strPath.c_str(), stream.Out(), AUX_CONVERT, AUX_NONE, m_status.Out())) return false;
+        const auto process = CComPtr<IProcess>::Query(stream.Get(), IID_IProcess);
+        const auto reader = CComPtr<IAudioRawReader>::Query(stream.Get(), IID_IAudioRawReader);
+        m_nLength = reader->GetRawLen();
+        const int size = static_cast<int>(m_buffer.size());
+        int count = 0;
+        EAudioRawState state = ARS_MORE;
+        return process->Start(m_status.Out()) &&
+               reader->RawRead(reinterpret_cast<unsigned char*>(m_buffer.data()), size, &count, state,
+                               m_status.Out()) &&
+               count == size;
+    }
+
+    const std::string m_strPath = Media(GetParam());
+    std::string m_buffer = std::string(kPiece, '\0');
+    std::uint64_t m_nLength = 0;
+    CComPtr<IStatus> m_status;
+    const CComPtr<IAudioFileOpener> m_opener = CComPtr<IAudioFileOpener>::Query(Decoder().Get(), IID_IAudioFileOpener);
+};
+
+TEST_P(LibavOpening, WithoutMemoryFailsAndLeavesNothing) {
+    ASSERT_TRUE(Read());
+    const std::string expected = m_buffer;
+    const std::uint64_t length = m_nLength;
+    const std::size_t descriptors = support::MeasureUse().m_nDescriptors;
+    support::LackEachAllocation(
+        [this] { return Read(); },
+        [&](bool done) {
+            EXPECT_EQ(m_status ? m_status->GetSysError() : 0, done ? 0u : static_cast<unsigned int>(ENOMEM))
+                << (m_status ? m_status->GetDescription() : "");
+            m_status.Reset();
+            EXPECT_TRUE(Plugin().m_pReadyToFinish());
+            EXPECT_EQ(support::MeasureUse().m_nDescriptors, descriptors);
+            EXPECT_TRUE(done || Read());
+            EXPECT_TRUE(m_buffer == expected);
+            EXPECT_EQ(m_nLength, length);
+        });
+}
+
+INSTANTIATE_TEST_SUITE_P(Libav, LibavOpening, testing::Values("source.wv", "aac.m4a", "opus.ogg", "video.ts"),
+                         [](const auto& test) {
+                             return std::filesystem::path(test.param).extension().string().substr(1);
+                         });
 
 }  // namespace

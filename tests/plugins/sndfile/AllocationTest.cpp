@@ -1,8 +1,11 @@
-// The heap as decoder and encoder use it: quiet once a sound runs. What the codec libraries take for themselves does
-// not count.
+// The heap as decoder and encoder use it: quiet once a sound runs, and no trouble where it is exhausted. What the codec
+// libraries take for themselves does not count.
+#include <cerrno>
+
 #include "tests/plugins/sndfile/AudioFiles.h"
 #include "tests/plugins/sndfile/SinkUnderTest.h"
-#include "tests/support/Heap.h"
+#include "tests/support/EachAllocation.h"
+#include "tests/support/ProcessUse.h"
 #include "tests/support/ScratchDirectory.h"
 
 namespace {
@@ -15,14 +18,66 @@ class SndfileAllocation : public testing::TestWithParam<const char*> {
 protected:
     std::string Path() const { return m_scratch / (std::string("sound.") + GetParam()); }
 
+    // Opens the file and fills `m_buffer`.
+    bool Read() {
+        CComPtr<IUnknown> stream;
+        if (!m_opener->Open(m_strPath.c_str(), stream.Out(), AUX_CONVERT, AUX_NONE, m_status.Out())) return false;
+        const auto process = CComPtr<IProcess>::Query(stream.Get(), IID_IProcess);
+        const auto reader = CComPtr<IAudioRawReader>::Query(stream.Get(), IID_IAudioRawReader);
+        const int size = static_cast<int>(m_buffer.size());
+        int count = 0;
+        EAudioRawState state = ARS_MORE;
+        return process->Start(m_status.Out()) &&
+               reader->RawRead(reinterpret_cast<unsigned char*>(m_buffer.data()), size, &count, state,
+                               m_status.Out()) &&
+               count == size;
+    }
+
+    // Writes a file of `m_samples`.
+    bool Write() {
+        CComPtr<IAudioTarget> target;
+        CComPtr<IUnknown> stream;
+        const char* const extension = GetParam();
+        if (!m_targetOpener->OpenTarget(m_strPath.c_str(), extension, target.Out(), m_status.Out())) return false;
+        const auto tags = CComPtr<ITargetTags>::Query(target.Get(), IID_ITargetTags);
+        if (!tags->SetTag(TAG_TITLE, "A title that no small string holds", m_status.Out()) ||
+            !target->GetTargetFactory()->CreateTarget(stream.Out(), kFormat, m_status.Out())) {
+            return false;
+        }
+        const auto process = CComPtr<IProcess>::Query(stream.Get(), IID_IProcess);
+        const auto writer = CComPtr<IAudioRawWriter>::Query(stream.Get(), IID_IAudioRawWriter);
+        EAudioRawState state = ARS_MORE;
+        return process->Start(m_status.Out()) &&
+               writer->RawWrite(reinterpret_cast<unsigned char*>(m_samples.data()), static_cast<int>(m_samples.size()),
+                                state, m_status.Out()) &&
+               process->End(m_status.Out());
+    }
+
+    // What did not succeed says why, and nothing is left of it.
+    void ExpectNothingLeft(bool done) {
+        EXPECT_EQ(m_status ? m_status->GetSysError() : 0, done ? 0u : static_cast<unsigned int>(ENOMEM))
+            << (m_status ? m_status->GetDescription() : "");
+        m_status.Reset();
+        EXPECT_TRUE(Plugin().m_pReadyToFinish());
+        EXPECT_EQ(support::MeasureUse().m_nDescriptors, m_nDescriptors);
+    }
+
     CScratchDirectory m_scratch;
+    const std::string m_strPath = Path();
+    std::string m_samples = RandomBytes(static_cast<std::size_t>(kBlockFrames * BlockSizeOf(kFormat)));
+    std::string m_buffer = std::string(400, '\0');
+    CComPtr<IStatus> m_status;
+    const CComPtr<IAudioFileOpener> m_opener =
+        CComPtr<IAudioFileOpener>::Query(Component(0).Get(), IID_IAudioFileOpener);
+    const CComPtr<IAudioTargetOpener> m_targetOpener =
+        CComPtr<IAudioTargetOpener>::Query(Component(1).Get(), IID_IAudioTargetOpener);
+    const std::size_t m_nDescriptors = support::MeasureUse().m_nDescriptors;
 };
 
 TEST_P(SndfileAllocation, WritingAndReadingAllocateNothing) {
     if (!kHeapIsReplaced) GTEST_SKIP() << kHeapIsTaken;
-    std::string block = RandomBytes(static_cast<std::size_t>(kBlockFrames * BlockSizeOf(kFormat)));
-    auto* const data = reinterpret_cast<unsigned char*>(block.data());
-    const int size = static_cast<int>(block.size());
+    auto* const data = reinterpret_cast<unsigned char*>(m_samples.data());
+    const int size = static_cast<int>(m_samples.size());
     EAudioRawState state = ARS_MORE;
     {
         const SSink sink(Path(), GetParam(), kFormat);
@@ -45,6 +100,28 @@ TEST_P(SndfileAllocation, WritingAndReadingAllocateNothing) {
     }
     EXPECT_EQ(AllocationCount(), before);
     EXPECT_EQ(filled, kBlocks);
+}
+
+TEST_P(SndfileAllocation, WhatIsReadWithoutMemoryFailsAndLeavesNothing) {
+    WriteSound(m_strPath, GetParam(), kFormat, RandomBytes(20000));
+    const std::string expected = Decoded(m_strPath).substr(0, m_buffer.size());
+    support::LackEachAllocation([this] { return Read(); },
+                                [&](bool done) {
+                                    ExpectNothingLeft(done);
+                                    EXPECT_TRUE(done || Read());
+                                    EXPECT_TRUE(m_buffer == expected);
+                                });
+}
+
+TEST_P(SndfileAllocation, WhatIsWrittenWithoutMemoryFailsAndLeavesNothing) {
+    ASSERT_TRUE(Write());
+    const std::string expected = Decoded(m_strPath);
+    support::LackEachAllocation([this] { return Write(); },
+                                [&](bool done) {
+                                    ExpectNothingLeft(done);
+                                    EXPECT_TRUE(done || Write());
+                                    EXPECT_TRUE(Decoded(m_strPath) == expected);
+                                });
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, SndfileAllocation, testing::Values("wav", "flac", "ogg", "mp3"),

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <climits>
 #include <filesystem>
 
 #include "tests/plugins/sndfile/AudioFiles.h"
@@ -163,17 +164,23 @@ TEST(SndfileEncoderRefusals, OfPartialFramesWriteNothing) {
     EXPECT_EQ(Decoded(scratch / "x.wav"), "");
 }
 
-TEST(SndfileEncoderRefusals, OfNullDataAndFailedConversions) {
+TEST(SndfileEncoderRefusals, OfNullDataAndFailedConversionsWriteNothing) {
     CScratchDirectory scratch;
     SSink sink(scratch / "x.wav", "wav", kStereo);
     ASSERT_TRUE(sink.m_process->Start(nullptr));
+    ASSERT_TRUE(sink.Write("abcd"));
     EAudioRawState state = ARS_MORE;
     unsigned char frame[4] = {};
     EXPECT_EQ(ErrorOf([&](IStatus** status) { return sink.m_writer->RawWrite(nullptr, 4, state, status); }),
               AE_BAD_ARGUMENT);
-    CComPtr<IStatus> status;
-    EXPECT_FALSE(sink.m_writer->RawWrite(frame, -4, state, status.Out()));
-    EXPECT_FALSE(status) << "the convertor's own status is the reason";
+    for (const int size : {-4, -1, INT_MIN}) {
+        CComPtr<IStatus> status;
+        EXPECT_FALSE(sink.m_writer->RawWrite(frame, size, state, status.Out()));
+        EXPECT_FALSE(status) << "the convertor's own status is the reason";
+    }
+    EXPECT_EQ(ReasonOf([&](IStatus** status) { return sink.m_process->End(status); }),
+              "x.wav: not written completely: an earlier write has failed");
+    EXPECT_EQ(Decoded(scratch / "x.wav"), "abcd");
 }
 
 TEST(SndfileEncoderRefusals, OfAShortWriteNameTheReasonAndEndStillCloses) {
