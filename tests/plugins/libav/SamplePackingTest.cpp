@@ -1,6 +1,7 @@
 // Packed samples of every format that codecs deliver.
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstring>
 #include <limits>
 #include <string>
@@ -128,6 +129,16 @@ TEST(LibavOutput, WidthThatACodecNotesCountsForLosslessOnesAlone) {
     EXPECT_EQ(OutputFormatOf(*codec, *block, AF_BASIC).m_format.nBitsPerSample, 8);
     codec->bits_per_raw_sample = 0;
     EXPECT_EQ(OutputFormatOf(*codec, *block, AF_BASIC).m_format.nBitsPerSample, 16);
+}
+
+TEST(LibavOutput, WidthThatNoSampleHasDoesNotCount) {
+    const auto block = Block<std::int32_t>(AV_SAMPLE_FMT_S32, 1, {0});
+    const CCodecContextPointer codec(Allocated(avcodec_alloc_context3(nullptr)));
+    codec->codec_id = AV_CODEC_ID_FLAC;
+    for (const int bits : {INT_MIN, -1, 33, INT_MAX - 6, INT_MAX}) {
+        codec->bits_per_raw_sample = bits;
+        EXPECT_EQ(OutputFormatOf(*codec, *block, AF_BASIC).m_format.nBitsPerSample, 32) << bits;
+    }
 }
 
 }  // namespace
