@@ -115,6 +115,36 @@ SDeclaredSize DeclaredSize(CFileBytes& file, const SChunkLayout& layout, const S
     return {FromLittleEndian(file.At(field, 8)), field, 8};
 }
 
+// What a WAV file has up to and with the size of its samples, as RF64: its first chunk tells the sizes of the file and
+// of the samples, and no frames and no table. None where more comes before than a header has.
+std::optional<SSplice> LongHeader(CFileBytes& file, std::uint64_t sizeField, std::uint64_t present) {
+    constexpr std::uint64_t kMostBytes = 1 << 20;
+    constexpr std::uint64_t kChunkBytes = 28;
+    constexpr std::uint64_t kAdded = 8 + kChunkBytes;
+    constexpr auto kOrder = FromLittleEndian;
+    if (sizeField > kMostBytes) return std::nullopt;
+    const std::string chunks(file.At(12, sizeField - 12));
+    const std::string unknown = SizeBytes(UINT32_MAX, 4, kOrder);
+    const std::string sizes = SizeBytes(file.Size() + kAdded - 8, 8, kOrder) + SizeBytes(present, 8, kOrder);
+    return SSplice{0, sizeField + 4,
+                   "RF64" + unknown + "WAVEds64" + SizeBytes(kChunkBytes, 4, kOrder) + sizes +
+                       std::string(kChunkBytes - sizes.size(), '\0') + chunks + unknown};
+}
+
+// By which the codec finds `present` bytes of samples, where a size says `counted`. None where no header lets it.
+std::optional<SSplice> SpliceFor(CFileBytes& file, const SChunkLayout& layout, const SDeclaredSize& declared,
+                                 std::uint64_t present, std::uint64_t counted) {
+    const auto inField = [&](std::uint64_t size) {
+        return SSplice{declared.m_nField, declared.m_nFieldBytes,
+                       SizeBytes(size, declared.m_nFieldBytes, layout.m_pNumber)};
+    };
+    if (Holds(declared.m_nFieldBytes, present)) return inField(counted);
+    if (file.At(0, 4) == "RIFF") return LongHeader(file, declared.m_nField, present);
+    // libsndfile 1.2.0 takes it for all that is there.
+    if (file.At(8, 3) == "AIF") return inField(0);
+    return std::nullopt;
+}
+
 // .snd, offset of the samples, their size (Sun's audio(5)); .snd turned round, lowest bytes first. libsndfile 1.2.0
 // takes sizes from 2 GiB on for negative ones, but for all ones, with which it goes by the size of the file.
 std::optional<SDataExtent> FindAuExtent(CFileBytes& file) {
@@ -126,7 +156,7 @@ std::optional<SDataExtent> FindAuExtent(CFileBytes& file) {
     const std::uint64_t present = file.Size() > start ? file.Size() - start : 0;
     const std::uint64_t known = IsUnknown(size) ? 0 : size;
     const bool misleading = (known == 0 || size > INT32_MAX) && present != 0;
-    return SDataExtent{known, present, misleading, false, 8, SizeBytes(UINT32_MAX, 4, layout.m_pNumber)};
+    return SDataExtent{known, present, misleading, false, SSplice{8, 4, SizeBytes(UINT32_MAX, 4, layout.m_pNumber)}};
 }
 
 }  // namespace
@@ -150,12 +180,9 @@ std::optional<SDataExtent> FindDataExtent(CFileBytes& file, const std::string& f
     const std::uint64_t present = file.Size() > start ? file.Size() - start : 0;
     const bool open = size <= header ? !IsChunk(file, layout, start)
                                      : IsUnknown(size) && !EndsWell(file, layout, start, size - header);
-    const bool holds = Holds(declared.m_nFieldBytes, present);
-    // libsndfile 1.2.0 takes a 0 in AIFF for all that is there, and does not need the size of VOC.
-    const bool allByZero = format->m_strData[0] == 'S';
-    const bool tooLong = open && !holds && declared.m_nFieldBytes == 4 && !allByZero;
+    const auto splice = SpliceFor(file, layout, declared, present, present + header + layout.m_nSizeCounts);
+    // The codec does not need the size of VOC.
+    const bool tooLong = open && !splice && format->m_layout.m_nSizeBytes == 4;
     const std::uint64_t known = IsUnknown(size) || size < header ? 0 : size - header;
-    const std::uint64_t counted = holds ? present + header + layout.m_nSizeCounts : 0;
-    return SDataExtent{known,   present,           open && (holds || allByZero) && present != 0,
-                       tooLong, declared.m_nField, SizeBytes(counted, declared.m_nFieldBytes, layout.m_pNumber)};
+    return SDataExtent{known, present, open && splice && present != 0, tooLong, splice.value_or(SSplice())};
 }

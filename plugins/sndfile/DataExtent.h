@@ -6,15 +6,15 @@
 #include <string>
 
 #include "plugins/shared/FileBytes.h"
+#include "plugins/sndfile/SplicedFile.h"
 
 struct SDataExtent {
     std::uint64_t m_nDeclared;  // 0 where the header does not know
     std::uint64_t m_nPresent;   // up to the end of the file
     bool m_bMisleading;         // by the size as it stands, the codec would find fewer than are there
-    bool m_bTooLong;            // and no size that the field holds lets it find them
+    bool m_bTooLong;            // and nothing that the header can hold lets it find them
+    SSplice m_splice;           // by which the codec finds those that are present
 
-    std::uint64_t m_nSizeField;  // where the file declares the size
-    std::string m_strTrueSize;   // by which the codec finds those that are present
     bool IsCutShort() const { return m_nPresent < m_nDeclared; }
 };
 

@@ -105,7 +105,7 @@ void SurveySamples(const std::string& formatName, SFileSurvey& survey) {
     if (!survey.m_extent) return;
     const SDataExtent& extent = *survey.m_extent;
     if (!extent.m_bMisleading && !(extent.IsCutShort() && formatName == "CAF")) return;
-    survey.m_splice = SSplice{extent.m_nSizeField, extent.m_strTrueSize.size(), extent.m_strTrueSize};
+    survey.m_splice = extent.m_splice;
 }
 
 void SurveyFrames(CFileBytes& file, const std::string& formatName, SFileSurvey& survey) {

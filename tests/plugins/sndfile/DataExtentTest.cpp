@@ -106,8 +106,10 @@ TEST_F(SndfileExtent, OfAuThatDeclaresMoreIsCutShort) {
 }
 
 TEST_F(SndfileExtent, OfWavIsFoundBehindASizeThatMeansUnknown) {
-    for (const std::uint64_t told : {0ull, 0xFFFFFFFFull, 0x7FFFF000ull}) {
-        EXPECT_EQ(FramesOf(Write("x.wav", WavHeader(told), 3 * kGiB), false), 3 * kGiB / 4) << told;
+    for (const std::uint64_t size : {3 * kGiB, 5 * kGiB}) {
+        for (const std::uint64_t told : {0ull, 0xFFFFFFFFull, 0x7FFFF000ull}) {
+            EXPECT_EQ(FramesOf(Write("x.wav", WavHeader(told), size), false), size / 4) << told;
+        }
     }
 }
 
@@ -126,16 +128,23 @@ TEST_F(SndfileExtent, OfAiffIsFoundBeyondWhatItsHeaderTells) {
 
 // Another decoder may take it: libsndfile would end it somewhere.
 TEST_F(SndfileExtent, BeyondWhatAHeaderTellsIsRefused) {
-    for (const std::uint64_t told : {0ull, 0xFFFFFFFFull, 0x7FFFF000ull}) {
-        EXPECT_EQ(RefusalOf(Write("x.wav", WavHeader(told), 5 * kGiB)),
-                  "x.wav: not readable as WAV audio: longer than its header can tell");
-    }
+    const std::string reason = "x.wav: not readable as WAV audio: longer than its header can tell";
+    const std::string big = "RIFX" + BigEndian(0, 4) + "WAVEfmt " + BigEndian(16, 4) + BigEndian(1, 2) +
+                            BigEndian(2, 2) + BigEndian(44100, 4) + BigEndian(176400, 4) + BigEndian(4, 2) +
+                            BigEndian(16, 2) + "data" + BigEndian(0, 4);
+    EXPECT_EQ(FramesOf(Write("x.wav", big, 3 * kGiB), true), 3 * kGiB / 4);
+    EXPECT_EQ(RefusalOf(Write("x.wav", big, 5 * kGiB)), reason);
+    const std::string wav = WavFile({44100, 16, 2}, "");
+    const std::string notes = Chunk("note", std::string(1 << 20, ' '));
+    const std::string header = wav.substr(0, wav.size() - 8) + notes + "data" + LittleEndian(0, 4);
+    EXPECT_EQ(FramesOf(Write("x.wav", header, 3 * kGiB), false), 3 * kGiB / 4);
+    EXPECT_EQ(RefusalOf(Write("x.wav", header, 5 * kGiB)), reason);
 }
 
 TEST_F(SndfileExtent, OfVocIsTrustedUpToItsField) {
     const SDataExtent small = ExtentOf(Write("x.voc", VocHeader(0), 15 * kMiB), "VOC");
     EXPECT_TRUE(small.m_bMisleading);
-    EXPECT_EQ(small.m_strTrueSize, LittleEndian(15 * kMiB + 12, 3));
+    EXPECT_EQ(small.m_splice.m_strBytes, LittleEndian(15 * kMiB + 12, 3));
     const SDataExtent large = ExtentOf(Write("x.voc", VocHeader(0), 20 * kMiB), "VOC");
     EXPECT_FALSE(large.m_bMisleading);
     EXPECT_FALSE(large.m_bTooLong);
