@@ -3,6 +3,7 @@
 
 #include "tests/host/hostile/HostileFixture.h"
 #include "tests/host/hostile/MarkedSound.h"
+#include "tests/support/Sanitizers.h"
 
 namespace {
 
@@ -118,6 +119,7 @@ TEST_F(ThrowingPlugin, IsReportedByConvertWithWhatItConverts) {
 }
 
 TEST_F(ThrowingPlugin, IsReportedWithItsDirectoryWhenLoadingIsBrokenOff) {
+    if (support::kThreadSanitizer) GTEST_SKIP() << "the lock of loading stays locked to the end";
     // What was loaded until then stays and is no leak.
     setenv("LSAN_OPTIONS", "detect_leaks=0", 1);
     UseHostileConvertor("ThrowsIntInQueryInterface");
