@@ -5,6 +5,7 @@
 #include <atomic>
 #include <cerrno>
 #include <filesystem>
+#include <optional>
 
 #include "portable/Export.h"
 #include "tests/plugins/sndfile/AudioFiles.h"
@@ -53,13 +54,14 @@ TEST(SndfileDescriptors, OfFilesThatAreRefusedAreClosedOnce) {
     RunTool("flac -s -f -o " + scratch / "x.flac" + " " + kVoice);
     const std::string flac = Content(scratch / "x.flac");
     const std::string voice = Content(kVoice);
+    const std::string vorbis = Content(kBell).substr(0, 100);
     const std::string contents[] = {"Just a text of some length that is no sound at all.\n",
                                     RandomBytes(3000),
                                     voice.substr(0, 30),
                                     Chunk("RIFF", "AVI " + RandomBytes(200)),
                                     flac.substr(0, 30),
                                     flac.substr(0, 4) + RandomBytes(3000),
-                                    Content(kBell).substr(0, 100),
+                                    vorbis,
                                     "OggS" + RandomBytes(3000),
                                     "caff" + RandomBytes(3000),
                                     "Creative Voice File",
@@ -67,7 +69,8 @@ TEST(SndfileDescriptors, OfFilesThatAreRefusedAreClosedOnce) {
     SSource(kVoice).m_process->Start(nullptr);
     for (const std::string& content : contents) {
         const std::string path = scratch.Write("x.wav", content);
-        const CExpectedLeaks ofLibvorbis;
+        std::optional<CExpectedLeaks> ofLibvorbis;
+        if (content == vorbis) ofLibvorbis.emplace();
         const SDescriptors before;
         EXPECT_NE(RefusalOf(path), "") << &content - contents;
         EXPECT_EQ(SDescriptors(), before) << &content - contents;
