@@ -28,6 +28,6 @@ inline std::string MarkedSound() {
     const std::string point = Number(1, 4) + Number(0, 4) + "data" + Number(0, 4) + Number(0, 4) + Number(1000, 4);
     const std::string chunks = Chunk("fmt ", format) + Chunk("cue ", Number(1, 4) + point) +
                                Chunk("LIST", "INFO" + Chunk("INAM", "Marked")) +
-                               Chunk("data", std::string(4 * 24000, '\1'));
+                               Chunk("data", std::string(std::size_t{4} * 24000, '\1'));
     return Chunk("RIFF", "WAVE" + chunks);
 }
