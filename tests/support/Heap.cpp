@@ -32,7 +32,7 @@ void* operator new(std::size_t size) {
     if (memory == nullptr) throw std::bad_alloc();
     return memory;
 }
-// As std::stable_sort asks for memory; the address sanitizer has one of its own.
+// As std::stable_sort and source aggregators ask for memory; the address sanitizer has such of its own.
 void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
     try {
         return operator new(size);
@@ -41,6 +41,7 @@ void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
     }
 }
 void* operator new[](std::size_t size) { return operator new(size); }
+void* operator new[](std::size_t size, const std::nothrow_t& tag) noexcept { return operator new(size, tag); }
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t /*size*/) noexcept { std::free(memory); }
 void operator delete[](void* memory) noexcept { std::free(memory); }
