@@ -189,6 +189,20 @@ TEST_F(LibavGap, OfALargeFileIsSeenWhileReading) {
     EXPECT_EQ(source.m_blocks->GetDataLength(), 352802u);
 }
 
+// A millisecond of A-law in each tag of an FLV file, and a gap behind more of them than are looked through.
+TEST_F(LibavGap, BehindVeryManyPacketsIsLeftToTheReading) {
+    constexpr std::uint64_t kTags = 530000;
+    const std::string head = '\x08' + BigEndian(9, 3);
+    const std::string tail = std::string(3, '\0') + '\x72' + std::string(8, '\x55') + BigEndian(20, 4);
+    std::string file = std::string("FLV\1\4", 5) + BigEndian(9, 4) + BigEndian(0, 4);
+    for (std::uint64_t i = 0; i < kTags; ++i) {
+        const std::uint64_t time = i < kTags - 2000 ? i : i + 5000;
+        file.append(head).append(BigEndian(time, 3)).append(1, static_cast<char>(time >> 24)).append(tail);
+    }
+    SSource source(m_scratch.Write("x.flv", file));
+    EXPECT_EQ(source.m_blocks->GetDataLength(), 8 * (kTags + 5000));
+}
+
 TEST_F(LibavGap, IsNotSeenInOneWrongTimestamp) {
     for (const std::uint64_t size : {std::uint64_t{16}, kLargeFile}) {
         SSource source(SoundBefore(size, R"(-bsf:a 'setts=ts=TS+if(eq(N\,30)\,900\,0)')", m_scratch));
