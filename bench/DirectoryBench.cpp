@@ -10,6 +10,7 @@
 #include <memory>
 #include <string>
 
+#include "bench/CountedIterations.h"
 #include "portable/DirEntry.h"
 #include "portable/MatchMask.h"
 #include "portable/PortableFile.h"
@@ -63,7 +64,7 @@ static void BareListing(benchmark::State& state) {
         if (found != kMatches) state.SkipWithError("wrong number of entries");
     }
 }
-BENCHMARK(BareListing);
+BENCHMARK(BareListing)->Apply(CountedIterations);
 
 static void ListingByFindFirst(benchmark::State& state) {
     const CCrowdedDirectory directory;
@@ -75,4 +76,4 @@ static void ListingByFindFirst(benchmark::State& state) {
         if (found != kMatches) state.SkipWithError("wrong number of entries");
     }
 }
-BENCHMARK(ListingByFindFirst);
+BENCHMARK(ListingByFindFirst)->Apply(CountedIterations);

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 
+#include "bench/CountedIterations.h"
 #include "com/ComPtr.h"
 #include "com/InterfaceIds.h"
 #include "pluginmgr/GetAudioPluginMgr.h"
@@ -78,5 +79,5 @@ void Read(benchmark::State& state, EAuxFlags flags) {
 
 }  // namespace
 
-BENCHMARK_CAPTURE(Read, Decoder, AUX_NONE);
-BENCHMARK_CAPTURE(Read, Source, AUX_CONVERT);
+BENCHMARK_CAPTURE(Read, Decoder, AUX_NONE)->Apply(CountedIterations);
+BENCHMARK_CAPTURE(Read, Source, AUX_CONVERT)->Apply(CountedIterations);

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/CountedIterations.h"
 #include "com/AudioComponent.h"
 #include "com/ComPtr.h"
 #include "com/ComponentEnum.h"
@@ -64,7 +65,7 @@ static void BareLoader(benchmark::State& state) {
     }
     NoteEach(state);
 }
-BENCHMARK(BareLoader)->Apply(Counts);
+BENCHMARK(BareLoader)->Apply(Counts)->Apply(CountedIterations);
 
 // Ahead of what is timed; true when every plug-in is there, and goes again.
 static bool LoadsEach(IAudioPluginMgr& manager, std::int64_t plugins) {
@@ -87,4 +88,4 @@ static void LoadAndUnloadPlugins(benchmark::State& state) {
     }
     NoteEach(state);
 }
-BENCHMARK(LoadAndUnloadPlugins)->Apply(Counts);
+BENCHMARK(LoadAndUnloadPlugins)->Apply(Counts)->Apply(CountedIterations);

@@ -2,6 +2,7 @@
 #include <benchmark/benchmark.h>
 #include <semaphore.h>
 
+#include "bench/CountedIterations.h"
 #include "com/StatusObject.h"
 
 static void BareSemaphorePair(benchmark::State& state) {
@@ -17,7 +18,7 @@ static void BareSemaphorePair(benchmark::State& state) {
     }
     sem_destroy(&semaphore);
 }
-BENCHMARK(BareSemaphorePair);
+BENCHMARK(BareSemaphorePair)->Apply(CountedIterations);
 
 namespace {
 
@@ -69,4 +70,4 @@ static void AddRefAndRelease(benchmark::State& state) {
     }
     status->Release();
 }
-BENCHMARK(AddRefAndRelease);
+BENCHMARK(AddRefAndRelease)->Apply(CountedIterations);

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "bench/CountedIterations.h"
 #include "portable/CodePage.h"
 #include "portable/MatchMask.h"
 
@@ -27,7 +28,7 @@ static void BareIconv(benchmark::State& state) {
         if (inLeft != 0) return state.SkipWithError("iconv leaves characters over");
     }
 }
-BENCHMARK(BareIconv);
+BENCHMARK(BareIconv)->Apply(CountedIterations);
 
 static void MultiByteToWideCharOfTwentyCharacters(benchmark::State& state) {
     unsigned short wide[64];
@@ -36,7 +37,7 @@ static void MultiByteToWideCharOfTwentyCharacters(benchmark::State& state) {
         if (units != sizeof kText) return state.SkipWithError("wrong number of units");
     }
 }
-BENCHMARK(MultiByteToWideCharOfTwentyCharacters);
+BENCHMARK(MultiByteToWideCharOfTwentyCharacters)->Apply(CountedIterations);
 
 static void MatchMaskOfManyStars(benchmark::State& state) {
     const std::string mask(30, '*');

@@ -2,6 +2,7 @@
 #include <benchmark/benchmark.h>
 #include <pthread.h>
 
+#include "bench/CountedIterations.h"
 #include "portable/PosixMutex.h"
 
 static void BareRecursiveMutex(benchmark::State& state) {
@@ -17,7 +18,7 @@ static void BareRecursiveMutex(benchmark::State& state) {
     pthread_mutex_destroy(&mutex);
     pthread_mutexattr_destroy(&attributes);
 }
-BENCHMARK(BareRecursiveMutex);
+BENCHMARK(BareRecursiveMutex)->Apply(CountedIterations);
 
 static void LockAndUnlock(benchmark::State& state) {
     CPosixMutex mutex(0);
@@ -26,4 +27,4 @@ static void LockAndUnlock(benchmark::State& state) {
         mutex.Unlock();
     }
 }
-BENCHMARK(LockAndUnlock);
+BENCHMARK(LockAndUnlock)->Apply(CountedIterations);
