@@ -50,6 +50,11 @@ constexpr SFormatLayout kFormats[] = {{"WAV", kRiff, "data", 0},     {"AIFF", kB
                                       {"W64", kW64, "data", 0},      {"CAF", kCaf, "data", 4},
                                       {"VOC", kVoc, "\x09", 12}};
 
+// Up to where the next chunk begins.
+std::uint64_t PaddedSize(const SChunkLayout& layout, std::uint64_t size) {
+    return size + (layout.m_nAlignment - size % layout.m_nAlignment) % layout.m_nAlignment;
+}
+
 // The first chunk of that name.
 std::optional<SChunk> FindChunk(CFileBytes& file, const SChunkLayout& layout, std::string_view name) {
     const std::size_t headerBytes = layout.m_nNameBytes + layout.m_nSizeBytes;
@@ -60,9 +65,8 @@ std::optional<SChunk> FindChunk(CFileBytes& file, const SChunkLayout& layout, st
         if (size < layout.m_nSizeCounts) return std::nullopt;
         const SChunk chunk{at + layout.m_nNameBytes, at + headerBytes, size - layout.m_nSizeCounts};
         if (header.substr(0, name.size()) == name) return chunk;
-        const std::uint64_t padding = (layout.m_nAlignment - chunk.m_nSize % layout.m_nAlignment) % layout.m_nAlignment;
         if (chunk.m_nSize >= file.Size() - chunk.m_nContent) return std::nullopt;
-        at = chunk.m_nContent + chunk.m_nSize + padding;
+        at = chunk.m_nContent + PaddedSize(layout, chunk.m_nSize);
     }
 }
 
@@ -90,12 +94,12 @@ bool IsChunk(CFileBytes& file, const SChunkLayout& layout, std::uint64_t at) {
            layout.m_pNumber(header.substr(layout.m_nNameBytes)) <= file.Size() - at;
 }
 
-// Whether `size` bytes from `start` on end with the file or, maybe after padding, before a chunk.
+// Whether `size` bytes of content from `start` on end with the file or, maybe after padding, before a chunk.
 bool EndsWell(CFileBytes& file, const SChunkLayout& layout, std::uint64_t start, std::uint64_t size) {
     if (start > file.Size() || size > file.Size() - start) return false;
     const std::uint64_t end = start + size;
-    const std::uint64_t padded = end + layout.m_nAlignment - 1;
-    return padded >= file.Size() || IsChunk(file, layout, end) || IsChunk(file, layout, padded);
+    return file.Size() - end < layout.m_nAlignment || IsChunk(file, layout, end) ||
+           IsChunk(file, layout, start + PaddedSize(layout, size));
 }
 
 // With room for what the size counts besides.
@@ -178,11 +182,17 @@ std::optional<SDataExtent> FindDataExtent(CFileBytes& file, const std::string& f
 
     const std::uint64_t start = data->m_nContent + header;
     const std::uint64_t present = file.Size() > start ? file.Size() - start : 0;
-    const bool open = size <= header ? !IsChunk(file, layout, start)
-                                     : IsUnknown(size) && !EndsWell(file, layout, start, size - header);
+    const bool isW64 = formatName == "W64";
+    const bool endsWell = size <= header ? IsChunk(file, layout, start)
+                                         : (isW64 || IsUnknown(size)) && EndsWell(file, layout, data->m_nContent, size);
+    const bool open = !endsWell && (size <= header || IsUnknown(size));
+    const std::uint64_t known = open || size < header ? 0 : size - header;
+    // libsndfile 1.2.0 takes all that follows, be it padding or chunks, for samples.
+    if (isW64 && endsWell && known < present) {
+        return SDataExtent{known, present, true, false, SSplice{start + known, present - known, ""}};
+    }
     const auto splice = SpliceFor(file, layout, declared, present, present + header + layout.m_nSizeCounts);
     // The codec does not need the size of VOC.
     const bool tooLong = open && !splice && format->m_layout.m_nSizeBytes == 4;
-    const std::uint64_t known = IsUnknown(size) || size < header ? 0 : size - header;
     return SDataExtent{known, present, open && splice && present != 0, tooLong, splice.value_or(SSplice())};
 }

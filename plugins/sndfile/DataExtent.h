@@ -11,7 +11,7 @@
 struct SDataExtent {
     std::uint64_t m_nDeclared;  // 0 where the header does not know
     std::uint64_t m_nPresent;   // up to the end of the file
-    bool m_bMisleading;         // by the size as it stands, the codec would find fewer than are there
+    bool m_bMisleading;         // as the file stands, the codec would find fewer than are there, or more
     bool m_bTooLong;            // and nothing that the header can hold lets it find them
     SSplice m_splice;           // by which the codec finds those that are present
 

@@ -36,6 +36,21 @@ std::string AiffHeader(std::uint64_t size) {
            BigEndian(16, 2) + rate + "SSND" + BigEndian(size, 4) + BigEndian(0, 8);
 }
 
+// Names are GUIDs that begin with a name of RIFF; the first one has an end of its own.
+std::string W64Name(const std::string& name) {
+    return name + (name == "riff" ? std::string("\x2E\x91\xCF\x11\xA5\xD6\x28\xDB\x04\xC1\0\0", 12)
+                                  : std::string("\xF3\xAC\xD3\x11\x8C\xD1\0\xC0\x4F\x8E\xDB\x8A", 12));
+}
+
+// Sizes count the name and themselves.
+std::string W64Chunk(const std::string& name, std::uint64_t size) { return W64Name(name) + LittleEndian(24 + size, 8); }
+
+std::string W64Header(std::uint64_t size) {
+    const std::string wav = WavFile({44100, 16, 2}, "");
+    return W64Chunk("riff", 16 + 40 + 24 + size) + W64Name("wave") + W64Chunk("fmt ", 16) + wav.substr(20, 16) +
+           W64Chunk("data", size);
+}
+
 // A block of the newer type of sound.
 std::string VocHeader(std::uint64_t size) {
     return "Creative Voice File\x1A" + LittleEndian(26, 2) + LittleEndian(0x010A, 2) + LittleEndian(0x1129, 2) +
@@ -117,6 +132,22 @@ TEST_F(SndfileExtent, OfWavThatLooksLikeUnknownIsTakenWhereItFits) {
     const std::string list = Chunk("LIST", "INFO" + Chunk("INAM", std::string("Title\0", 6)));
     for (const std::string& more : {std::string(), list}) {
         EXPECT_EQ(FramesOf(Write("x.wav", WavHeader(0x7FFFF000), 0x7FFFF000, more), false), 0x7FFFF000u / 4);
+    }
+}
+
+// Chunks begin at multiples of eight bytes. The codec would take all that follows for samples.
+TEST_F(SndfileExtent, OfW64EndsWhereTheHeaderSays) {
+    for (const std::uint64_t size : {0x1000u, 0x1004u, 0x7FFFF000u, 0x7FFFF004u}) {
+        const std::string padding(size % 8, '\0');
+        for (const std::string& more : {std::string(), padding, padding + W64Chunk("note", 8) + "no sound"}) {
+            EXPECT_EQ(FramesOf(Write("x.w64", W64Header(size), size, more), false), size / 4) << more.size();
+        }
+    }
+}
+
+TEST_F(SndfileExtent, OfW64IsFoundBehindASizeThatMeansUnknown) {
+    for (const std::uint64_t told : {0ull, 0x7FFFF004ull, 0xFFFFFFFFull}) {
+        EXPECT_EQ(FramesOf(Write("x.w64", W64Header(told), 5 * kGiB), false), 5 * kGiB / 4) << told;
     }
 }
 
