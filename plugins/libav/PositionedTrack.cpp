@@ -79,7 +79,7 @@ void CPositionedTrack::NoteBreak() {
     if (m_steadiness == TAKEN_FOR_STEADY || m_steadiness == UNSTEADY) {
         m_steadiness = m_line->GoesBack() ? JOINED : UNSTEADY;
     }
-    m_line.reset();
+    m_line->BeginAnew();
 }
 
 // A broadcast stamps its packets now and then. Between two stamps libavformat counts on, behind a jump from the wrong

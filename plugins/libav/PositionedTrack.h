@@ -65,7 +65,7 @@ private:
     std::optional<ESteadiness> m_steadiness;  // none before the first question
     std::vector<SStamp> m_vRun;               // blocks behind a jump whose timestamps agree
     SStamp m_last{};                          // the run's last block
-    std::optional<CStampLine> m_line;         // from the beginning on, or from behind a break
+    std::optional<CStampLine> m_line;         // from the beginning on
     int m_nUncounted = 0;                     // packets behind a jump that are still to come
     int m_nRefused = 0;                       // packets since the jump
 };

@@ -5,6 +5,9 @@
 
 namespace {
 
+// Timestamps of one recording that are wrong, by packets that overlap or by a clock that was set, go back by less.
+constexpr double kLeastBack = 1;
+
 // Timestamps that show how far they are apart.
 constexpr int kFirstStamps = 16;
 
@@ -18,6 +21,7 @@ bool CStampLine::Accepts(std::int64_t time, std::int64_t frames) {
     m_nFrames += frames;
     m_nMostFrames = std::max(m_nMostFrames, frames);
     if (!m_timeline.IsPossible(time)) return true;
+    if (!m_nFirst) m_nFirst = time;
     ++m_nStamps;
     if (IsInLine(stamp)) {
         m_nOutOfLine = 0;
@@ -26,9 +30,16 @@ bool CStampLine::Accepts(std::int64_t time, std::int64_t frames) {
         m_last = stamp;
     } else {
         ++m_nOutOfLine;
-        m_bGoesBack = m_bGoesBack || time < m_nLatest;
+        m_bGoesBack = m_bGoesBack || time <= *m_nFirst || m_timeline.SecondsBetween(time, m_nLatest) > kLeastBack;
     }
     return m_nOutOfLine < 2;
+}
+
+void CStampLine::BeginAnew() {
+    m_nStamps = m_nOutOfLine = 0;
+    m_nLatest = INT64_MIN;
+    m_nLongest = 0;
+    m_bGoesBack = false;
 }
 
 // The first block may lack the encoder's delay.

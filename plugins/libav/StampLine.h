@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <utility>
 
 #include "plugins/libav/Timeline.h"
@@ -19,8 +20,11 @@ public:
     // AV_NOPTS_VALUE, tells nothing.
     bool Accepts(std::int64_t time, std::int64_t frames);
 
-    // Whether what is not accepted lies before what was.
+    // Whether what is not accepted lies before what was, by more than a second or at the beginning.
     bool GoesBack() const { return m_bGoesBack; }
+
+    // Behind a break, as if there was nothing before but the beginning.
+    void BeginAnew();
 
     // Whether a break would show.
     bool HasBegun() const { return m_nStamps > 1; }
@@ -38,7 +42,8 @@ private:
     int m_nStamps = 0;
     int m_nOutOfLine = 0;  // stamps in turn
     bool m_bGoesBack = false;
-    std::int64_t m_nLatest = INT64_MIN;  // of the stamps in line
+    std::optional<std::int64_t> m_nFirst;  // of all stamps
+    std::int64_t m_nLatest = INT64_MIN;    // of the stamps in line
     SStamp m_base{};
     SStamp m_step{};
     SStamp m_last{};  // in line

@@ -37,7 +37,9 @@ struct SLag {
 }  // namespace
 
 CTimeline::CTimeline(AVRational timeBase, int sampleRate)
-    : m_fFramesPerUnit(av_q2d(timeBase) * sampleRate), m_bExact(IsExact(timeBase, sampleRate)) {}
+    : m_fSecondsPerUnit(av_q2d(timeBase)),
+      m_fFramesPerUnit(m_fSecondsPerUnit * sampleRate),
+      m_bExact(IsExact(timeBase, sampleRate)) {}
 
 bool CTimeline::IsPossible(std::int64_t time) const {
     constexpr std::int64_t kMostUnits = std::int64_t{1} << 60;

@@ -23,6 +23,11 @@ public:
     // Whether a time is one that a sound can have: not AV_NOPTS_VALUE, and no difference of two such times overflows.
     bool IsPossible(std::int64_t time) const;
 
+    // Between two possible times.
+    double SecondsBetween(std::int64_t earlier, std::int64_t later) const {
+        return static_cast<double>(later - earlier) * m_fSecondsPerUnit;
+    }
+
     // Each block in turn; all times are possible ones.
     void Learn(const SStamp& stamp);
 
@@ -56,6 +61,7 @@ private:
     std::optional<std::int64_t> LocateByTime(const std::vector<SStamp>& run) const;
     double FramesOf(std::int64_t time) const { return static_cast<double>(time) * m_fFramesPerUnit; }
 
+    double m_fSecondsPerUnit;
     double m_fFramesPerUnit;
     bool m_bExact;  // every position has a timestamp of its own
     std::int64_t m_nGrid = 0;

@@ -67,6 +67,13 @@ TEST_P(LibavJoin, HasAllItsSound) {
     ExpectNoGuess(m_scratch.Write(GetParam().m_strName, whole + whole), 15.95);
 }
 
+TEST_P(LibavJoin, OfLessThanASecondHasAllItsSound) {
+    RunTool("ffmpeg -t 0.9 -i '" + Media("source.wav") + "' " + GetParam().m_strOptions + " " +
+            m_scratch / GetParam().m_strName);
+    const std::string whole = Content(m_scratch / GetParam().m_strName);
+    ExpectNoGuess(m_scratch.Write(GetParam().m_strName, whole + whole), 1.75);
+}
+
 INSTANTIATE_TEST_SUITE_P(Libav, LibavJoin,
                          testing::Values(SBrokenTimes{"x.ts", "-c:a aac"}, SBrokenTimes{"x.vob", "-c:a ac3"},
                                          SBrokenTimes{"x.ogg", "-c:a libvorbis"}, SBrokenTimes{"x.flac", ""},
@@ -90,6 +97,63 @@ TEST_F(LibavJoin, OfALargeFileIsSeenWhileReading) {
     source.ReadOn();
     EXPECT_EQ(source.m_strFailure, "");
     EXPECT_EQ(source.m_blocks->GetDataLength(), 2u * 352802);
+}
+
+// Blocks of a tenth of a second, each with the number of its first frame (WavPack 4 & 5 Binary File / Block Format).
+class LibavBlocks : public LibavGap {
+protected:
+    static constexpr std::uint64_t kLength = 352802;
+    static constexpr std::uint64_t kFrames = 4410;
+
+    std::string Blocks() const {
+        RunTool(kSound + m_scratch / "x.wav");
+        RunTool("wavpack -q --blocksize=" + std::to_string(kFrames) + " " + m_scratch / "x.wav");
+        return Content(m_scratch / "x.wv");
+    }
+
+    // `blocks` with lower numbers from block `first` on.
+    static std::string SetBack(std::string blocks, int first, std::uint64_t frames) {
+        constexpr std::size_t kNumber = 16;
+        std::size_t at = 0;
+        for (int i = 0; at < blocks.size(); at += BlockSize(blocks, at), ++i) {
+            std::uint64_t number = 0;
+            for (std::size_t byte = 4; byte-- > 0;) number = number << 8 | Byte(blocks, at + kNumber + byte);
+            if (i >= first) blocks.replace(at + kNumber, 4, LittleEndian(number - frames, 4));
+        }
+        return blocks;
+    }
+};
+
+// Also where the other recording lacks its beginning.
+TEST_F(LibavBlocks, JoinedOnBehindAGapAreSeenWhileReading) {
+    const std::string whole = Blocks();
+    const std::string gap = WithoutPieces(whole, BlockSize, 5, 10);
+    for (const int missing : {0, 30}) {
+        SCOPED_TRACE(missing);
+        SSource source(m_scratch.Write("x.wv", gap + WithoutPieces(whole, BlockSize, 0, missing)));
+        EXPECT_EQ(source.m_blocks->GetDataLength(), kLength);
+        source.ReadOn(kLength * 4);
+        EXPECT_EQ(source.m_blocks->GetDataLength(), 0u);
+        source.ReadOn();
+        EXPECT_EQ(source.m_strFailure, "");
+        EXPECT_EQ(source.m_blocks->GetDataLength(), 2 * kLength - (10 + static_cast<std::uint64_t>(missing)) * kFrames);
+    }
+}
+
+// By less than a second: that is no other recording.
+TEST_F(LibavBlocks, ThatGoBackALittleAreStillCutShort) {
+    const std::string whole = Blocks();
+    for (const std::uint64_t back : {3 * kFrames / 2, 9 * kFrames}) {
+        SCOPED_TRACE(back);
+        const std::string blocks = SetBack(whole, 50, back);
+        for (const std::string& content :
+             {WithoutPieces(blocks, BlockSize, 20, 10), WithoutPieces(blocks, BlockSize, 70, 10)}) {
+            SSource source(m_scratch.Write("x.wv", content));
+            EXPECT_EQ(source.m_blocks->GetDataLength(), kLength);
+            source.ReadOn();
+            EXPECT_THAT(source.m_strFailure, testing::HasSubstr("of 352802 frames are there"));
+        }
+    }
 }
 
 // What the encoder needs to begin with is no sound (RFC 7845, 4.2), in none of the streams.

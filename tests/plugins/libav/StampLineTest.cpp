@@ -26,6 +26,8 @@ public:
         return accepts;
     }
 
+    void BeginAnew() { m_line.BeginAnew(); }
+
     const CStampLine& Line() const { return m_line; }
 
 private:
@@ -57,6 +59,33 @@ TEST_P(LibavStampLine, BreaksOffWhereAnotherRecordingWasJoinedOn) {
     EXPECT_TRUE(line.AcceptsRun(0, 1));
     EXPECT_FALSE(line.AcceptsRun(1, 1));
     EXPECT_TRUE(line.Line().GoesBack());
+}
+
+// A packet is 23 ms long.
+TEST_P(LibavStampLine, GoesBackByMoreThanASecondOrToTheBeginning) {
+    for (const std::int64_t packet : {0, 20, 50, 60, 90}) {
+        CLineUnderTest line(GetParam());
+        ASSERT_TRUE(line.AcceptsRun(0, 100));
+        EXPECT_FALSE(line.AcceptsRun(packet, 2));
+        EXPECT_EQ(line.Line().GoesBack(), packet <= 50) << packet;
+    }
+    CLineUnderTest line(GetParam());
+    ASSERT_TRUE(line.AcceptsRun(0, 20));
+    EXPECT_FALSE(line.AcceptsRun(0, 2));
+    EXPECT_TRUE(line.Line().GoesBack());
+}
+
+TEST_P(LibavStampLine, KnowsItsBeginningBehindABreak) {
+    for (const std::int64_t packet : {0, 20, 40, 44}) {
+        CLineUnderTest line(GetParam());
+        ASSERT_TRUE(line.AcceptsRun(0, 20));
+        ASSERT_FALSE(line.AcceptsRun(40, 2));
+        line.BeginAnew();
+        EXPECT_FALSE(line.Line().HasBegun());
+        ASSERT_TRUE(line.AcceptsRun(42, 10));
+        EXPECT_FALSE(line.AcceptsRun(packet, 2));
+        EXPECT_EQ(line.Line().GoesBack(), packet == 0) << packet;
+    }
 }
 
 TEST_P(LibavStampLine, ForgivesOneThatBelongsElsewhere) {
