@@ -265,6 +265,12 @@ TEST_F(LibavGap, BehindVeryManyPacketsIsLeftToTheReading) {
     }
     SSource source(m_scratch.Write("x.flv", file));
     EXPECT_EQ(source.m_blocks->GetDataLength(), 8 * (kTags + 5000));
+    const auto block = static_cast<std::uint64_t>(source.m_blocks->GetBlockSize());
+    source.ReadOn(8 * (kTags - 1000) * block);
+    EXPECT_EQ(source.m_blocks->GetDataLength(), 0u);
+    source.ReadOn();
+    EXPECT_EQ(source.m_strFailure, "");
+    EXPECT_EQ(source.m_blocks->GetDataLength(), 8 * kTags);
 }
 
 TEST_F(LibavGap, IsNotSeenInOneWrongTimestamp) {
