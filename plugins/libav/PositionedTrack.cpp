@@ -174,18 +174,19 @@ std::optional<std::int64_t> CPositionedTrack::LateTime() {
     return m_last.m_nTime;
 }
 
-std::optional<std::int64_t> CPositionedTrack::FindEnd() {
+std::optional<SSoundEnd> CPositionedTrack::FindEnd() {
     if (!HasTrueTimes() || !HasSteadyTimes() || !LearnEnough()) return {};
     const std::int64_t second = m_track->Codec().sample_rate;
     const std::optional<std::int64_t> late = LateTime();
     if (!late || !m_timeline->IsPossible(*late)) return {};
     const std::int64_t position = m_timeline->PositionNear(*late);
-    if (position < kShortSeconds * second) {
+    const bool byTimes = position >= kShortSeconds * second;
+    if (!byTimes) {
         Restart();
     } else if (!Approach(position - second)) {
         return {};
     }
     while (Next()) {
     }
-    return BlockStart();
+    return SSoundEnd{BlockStart(), byTimes};
 }

@@ -11,6 +11,11 @@
 #include "plugins/libav/Timeline.h"
 #include "plugins/libav/Track.h"
 
+struct SSoundEnd {
+    std::int64_t m_nPosition = 0;
+    bool m_bByTimes = false;  // placed by timestamps, not counted from the beginning on
+};
+
 // Positions are sample frames, counted as the codec delivers them from the beginning on. [stream-thread]
 class CPositionedTrack {
 public:
@@ -39,9 +44,9 @@ public:
     // Whether they go back, where another recording was joined on; behind a gap, that is seen while reading.
     bool IsJoined();
 
-    // Where the sound ends, by the timestamps of its end; none where they do not tell it to the frame. The place is
-    // lost until Restart. Throws CDamage.
-    std::optional<std::int64_t> FindEnd();
+    // Where the sound ends; none where it is not short and the timestamps of its end do not tell it to the frame. The
+    // place is lost until Restart. Throws CDamage.
+    std::optional<SSoundEnd> FindEnd();
 
 private:
     void BeginCount();

@@ -55,14 +55,14 @@ std::int64_t DeclaredLength(const std::shared_ptr<const CInputFile>& file, const
 }
 
 // A damaged end tells nothing here: the reading will report it.
-std::int64_t EndOf(CPositionedTrack& track) {
-    std::optional<std::int64_t> end;
+SSoundEnd EndOf(CPositionedTrack& track) {
+    std::optional<SSoundEnd> end;
     try {
         end = track.FindEnd();
     } catch (const std::runtime_error&) {
     }
     track.Restart();
-    return end.value_or(0);
+    return end.value_or(SSoundEnd());
 }
 
 }  // namespace
@@ -76,8 +76,8 @@ SSoundLength LengthOf(const std::shared_ptr<const CInputFile>& file, CPositioned
     if (format.m_eLength == LS_TIME && timed > 0 && !track.IsJoined()) {
         return {timed, false, true, track.Block().sample_rate / kTimesPerSecond};
     }
-    const std::int64_t end = EndOf(track);
+    const SSoundEnd end = EndOf(track);
     const std::int64_t declared = format.m_eLength == LS_EDITS ? DeclaredLength(file, track) : 0;
-    const bool padded = declared > 0 && declared < end && end - declared <= kMostPadding;
-    return {padded ? declared : end, padded, false, 0, end > 0};
+    const bool padded = declared > 0 && declared < end.m_nPosition && end.m_nPosition - declared <= kMostPadding;
+    return {padded ? declared : end.m_nPosition, padded, false, 0, end.m_bByTimes};
 }

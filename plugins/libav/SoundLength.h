@@ -11,7 +11,7 @@ struct SSoundLength {
     bool m_bIsLimit = false;          // what the codec delivers beyond is padding
     bool m_bPromised = false;         // the file counts its frames
     std::int64_t m_nUncertainty = 0;  // by which the file may be wrong about that
-    bool m_bByTimes = false;          // found by the timestamps of the end
+    bool m_bByTimes = false;          // placed by the timestamps of the end
 
     // Whether a sound that ends at `position` lacks something.
     bool IsCutShortAt(std::int64_t position) const { return m_bPromised && position + m_nUncertainty < m_nFrames; }

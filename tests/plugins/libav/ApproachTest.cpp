@@ -41,7 +41,9 @@ TEST(LibavApproach, LeadsToTheBlockOfEveryPosition) {
 
 TEST(LibavApproach, LeadsToTheEndOfTheSound) {
     for (const std::string& name : kFiles) {
-        EXPECT_EQ(TrackOf(name).FindEnd(), LengthOf(name)) << name;
+        const auto end = TrackOf(name).FindEnd();
+        ASSERT_TRUE(end) << name;
+        EXPECT_EQ(end->m_nPosition, LengthOf(name)) << name;
     }
 }
 

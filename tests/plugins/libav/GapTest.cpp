@@ -191,16 +191,17 @@ TEST_F(LibavGap, ThatGrowsSlowlyIsNotCountedAsSound) {
     ExpectNoGuess(m_scratch / "x.mka", 7.95);
 }
 
-// Eight seconds in packets of seven blocks: the demuxer takes as many bytes as it does of PCM, and no parser divides
+// Packets of seven blocks, 0.168 seconds: the demuxer takes as many bytes as it does of PCM, and no parser divides
 // them.
 class LibavGapInLongPackets : public LibavGap {
 protected:
-    // Behind 3.4 seconds `gap` more.
-    std::string Write(const std::string& gap) const {
-        RunTool(kSound + "-ar 48000 -b:a 192k -c:a mp2 " + m_scratch / "x.wav");
+    // Eight seconds or the first of them, and behind `packets` packets `gap` more.
+    std::string Write(const std::string& gap, int packets = 21, const std::string& seconds = "8") const {
+        RunTool(kSound + "-t " + seconds + " -ar 48000 -b:a 192k -c:a mp2 " + m_scratch / "x.wav");
         const std::string path = m_scratch / "x.nut";
         RunTool("ffmpeg -fflags +noparse -i " + m_scratch / "x.wav" + " -c copy -bsf:a " +
-                R"('setts=ts=(N*7*1152/48000+if(gt(N\,20)\,)" + gap + R"(\,0))/TB' )" + path);
+                "'setts=ts=(N*7*1152/48000+if(gte(N\\," + std::to_string(packets) + ")\\," + gap + "\\,0))/TB' " +
+                path);
         return path;
     }
 };
@@ -216,6 +217,16 @@ TEST_F(LibavGapInLongPackets, ShorterThanAPacketIsSeenWhileReading) {
     source.ReadOn();
     EXPECT_EQ(source.m_strFailure, "");
     EXPECT_EQ(source.m_blocks->GetDataLength() + 4800, guess);
+}
+
+// It is decoded to its end when it is opened.
+TEST_F(LibavGapInLongPackets, LeavesTheLengthOfAShortSoundAsCounted) {
+    SSource source(Write("0.1", 10, "3"));
+    const std::uint64_t length = source.m_blocks->GetDataLength();
+    EXPECT_EQ(source.ReadOn(2 * 48000 * 4).size(), 2u * 48000 * 4);
+    EXPECT_EQ(source.m_blocks->GetDataLength(), length);
+    EXPECT_EQ(source.ReadOn().size() / 4 + 2 * 48000, length);
+    EXPECT_EQ(source.m_strFailure, "");
 }
 
 TEST_F(LibavGapInLongPackets, IsNotSeenWhereThereIsNone) {
