@@ -1,5 +1,5 @@
 // Benchmarks that run as often as their caller says, for counts of instructions: the difference between two runs is
-// what the further iterations cost. [main thread]
+// what the further iterations cost.
 #pragma once
 
 #include <benchmark/benchmark.h>

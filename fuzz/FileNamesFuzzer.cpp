@@ -14,9 +14,13 @@ namespace {
 // What a file system takes (NAME_MAX of limits.h).
 constexpr std::size_t kLongestName = 255;
 
+// C0 and C1 of ISO 6429, and the marks that turn the rest around.
 bool HasControl(const std::string& text) {
-    for (const char character : text) {
-        if (static_cast<unsigned char>(character) < ' ' || character == '\x7F') return true;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        const std::string next = text.substr(i, 3);
+        if (byte < ' ' || byte == 0x7F || (byte == 0xC2 && next.size() > 1 && next[1] < '\xA0')) return true;
+        if ((next >= "\u202A" && next <= "\u202E") || (next >= "\u2066" && next <= "\u2069")) return true;
     }
     return false;
 }
@@ -50,10 +54,12 @@ std::string ModelDecoded(const std::string& text) {
 
 void CheckURL(const std::string& url) {
     const std::string shown = WithoutCredentials(url);
+    const std::size_t scheme = shown.find("://");
+    const std::string behind = shown.substr(scheme == std::string::npos ? 0 : scheme + 3);
+    fuzz::Require(behind.substr(0, behind.find_first_of("/?#")).find('@') == std::string::npos, "no user is told of");
     fuzz::Require(shown.size() <= url.size(), "a message adds nothing to the URL");
-    fuzz::RequireEqual<std::string>("a second time", WithoutCredentials(shown), shown);
     fuzz::RequireEqual("the decoded text", PercentDecoded(url), ModelDecoded(url));
-    fuzz::Require(HostOf(url).size() <= url.size(), "the host is a part of the URL");
+    fuzz::Require(url.find(HostOf(url)) != std::string::npos, "the host is a part of the URL");
     fuzz::Require(!IsListingOrText(url) || IsFtp(url), "only FTP lists");
 }
 

@@ -89,7 +89,8 @@ CComPtr<IUnknown> OpenSource(const SConversion& conversion, const SWavFormat* wa
 }
 
 // The format that the file will have. The encoder's own stream tells it; around that, the manager's stream knows the
-// host's format alone. Nothing is written by a stream that does not start.
+// host's format alone. Nothing is written by a stream that does not start. The sound is opened once for its format and
+// once for its samples, so that one behind an address is fetched twice.
 SWavFormat FileFormat(const SConversion& conversion, IURLAudioTargetFactory& factory) {
     const auto source = OpenSource(conversion, nullptr);
     const auto reader = CComPtr<IAudioRawReader>::Query(source.Get(), IID_IAudioRawReader);

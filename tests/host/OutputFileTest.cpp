@@ -114,6 +114,7 @@ TEST_F(OutputFile, DirectoryThatMayNotBeWrittenIsRefusedThoughTheOutputInItMay) 
     const SRunResult result = ConvertWithoutCapabilities(output);
     ExpectFailure(result, {"/out.wav: no file can be made in " + folder + ": Permission denied"});
     EXPECT_EQ(ReadWholeFile(output), "the old content");
+    chmod(folder.c_str(), 0755);  // it can be removed again
 }
 
 TEST_F(OutputFile, FileThatMayNotBeWrittenIsRefused) {

@@ -45,7 +45,9 @@ TEST_F(HangingPlugin, LateSecondSignalEndsInfo) {
     UseHostile("LingersInOpen");
     CRunningProgram program(WithChosen({"info", kFrontCenter}), WorkDirectory());
     WaitForHang();
+    const auto first = std::chrono::steady_clock::now();
     ExpectEndBy(program, SIGHUP);
+    EXPECT_GE(std::chrono::steady_clock::now() - first, std::chrono::seconds(1));
 }
 
 TEST_F(HangingPlugin, LateSecondSignalEndsAConversionWhoseUnfinishedOutputStays) {

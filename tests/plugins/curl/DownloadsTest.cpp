@@ -272,10 +272,12 @@ TEST(Downloads, NameTheTemporaryDirectoryThatIsMissing) {
 
 TEST(Downloads, TakeAnEmptyVariableForNone) {
     RunWithTemporary([](const fs::path& temporary) {
+        const fs::path other = temporary / "other";
+        fs::create_directory(other);
         setenv("TMPDIR", "", 1);
-        setenv("TMP", temporary.c_str(), 1);
+        setenv("TMP", other.c_str(), 1);
         CDownloads downloads;
-        EXPECT_EQ(DirectoryOf(MakeFile(downloads)).parent_path(), temporary);
+        EXPECT_EQ(DirectoryOf(MakeFile(downloads)).parent_path(), other);
     });
 }
 
