@@ -2,7 +2,7 @@
 #include <cstdlib>
 
 #include "tests/examples/ExamplesTest.h"
-#include "tests/support/Sanitizers.h"
+#include "tests/support/HeldLibgomp.h"
 
 namespace {
 
@@ -66,10 +66,7 @@ protected:
         for (const std::filesystem::path plugin : {KELO_SNDFILE_PLUGIN, KELO_SOXR_PLUGIN}) {
             std::filesystem::copy_file(plugin, PluginDirectory() / plugin.filename());
         }
-        // libgomp, which libsoxr brings along, leaves 8 bytes behind when it is unloaded with the plug-in; loaded by
-        // the program itself it stays, and the leak checker sees that the bytes are in use.
-        if (support::kAddressSanitizer) setenv("LD_PRELOAD", "libgomp.so.1", 1);
-        if (support::kAddressSanitizer) setenv("ASAN_OPTIONS", "verify_asan_link_order=0", 1);
+        support::HoldLibgompInPrograms();
     }
 };
 

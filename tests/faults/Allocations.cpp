@@ -11,7 +11,7 @@
 
 namespace {
 
-CFailingAllocation* g_pFailing = nullptr;
+CFailingLibraryAllocation* g_pFailing = nullptr;
 
 constexpr std::size_t kMostBlocks = 16384;
 std::array<void*, kMostBlocks> g_blocks;
@@ -50,13 +50,14 @@ void Release(void* block) noexcept {
 
 }  // namespace
 
-CFailingAllocation::CFailingAllocation(int first, bool andLater) : m_nFirst(first), m_bAndLater(andLater) {
+CFailingLibraryAllocation::CFailingLibraryAllocation(int first, bool andLater)
+    : m_nFirst(first), m_bAndLater(andLater) {
     g_pFailing = this;
 }
 
-CFailingAllocation::~CFailingAllocation() { g_pFailing = nullptr; }
+CFailingLibraryAllocation::~CFailingLibraryAllocation() { g_pFailing = nullptr; }
 
-bool CFailingAllocation::Strikes() {
+bool CFailingLibraryAllocation::Strikes() {
     ++m_nCount;
     return m_nCount == m_nFirst || (m_bAndLater && m_nCount > m_nFirst);
 }

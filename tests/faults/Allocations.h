@@ -5,14 +5,14 @@
 
 // While it lives, one of the allocations that the library makes through operator new fails, its texts included, or all
 // of them from there on; those of the tests and of other libraries do not. One at a time. One thread.
-class CFailingAllocation {
+class CFailingLibraryAllocation {
 public:
     // Counted from 1.
-    explicit CFailingAllocation(int first, bool andLater = false);
-    ~CFailingAllocation();
+    explicit CFailingLibraryAllocation(int first, bool andLater = false);
+    ~CFailingLibraryAllocation();
 
-    CFailingAllocation(const CFailingAllocation&) = delete;
-    CFailingAllocation& operator=(const CFailingAllocation&) = delete;
+    CFailingLibraryAllocation(const CFailingLibraryAllocation&) = delete;
+    CFailingLibraryAllocation& operator=(const CFailingLibraryAllocation&) = delete;
 
     // Whether the library came as far as that.
     bool HasStruck() const { return m_nCount >= m_nFirst; }

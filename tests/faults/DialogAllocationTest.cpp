@@ -1,6 +1,6 @@
 // The settings dialog without memory for what the library itself allocates.
 #include "tests/dialog/DialogFixture.h"
-#include "tests/faults/EachAllocation.h"
+#include "tests/faults/EachLibraryAllocation.h"
 
 namespace {
 
@@ -13,20 +13,20 @@ TEST_F(DialogAllocation, ADialogWithoutMemoryForAComponentShowsTheOthers) {
     CDialogComponent& first = Add("First", ACT_DECODER, file.c_str());
     CDialogComponent& second = Add("Second", ACT_DECODER, file.c_str());
     const unsigned int references = m_manager->AddRef();
-    const int allocations = FailEachAllocation([&] { Build(); },
-                                               [&](bool thrown) {
-                                                   EXPECT_FALSE(thrown);
-                                                   ASSERT_NE(m_pDialog, nullptr);
-                                                   EXPECT_LE(Page(0).Rows(), 2);
-                                                   Destroy();
-                                                   EXPECT_EQ(m_pDialog, nullptr);
-                                                   EXPECT_EQ(m_manager->AddRef(), references + 1);
-                                                   EXPECT_EQ(m_manager->Release(), references);
-                                                   EXPECT_EQ(first.m_nReferences, second.m_nReferences);
-                                               });
+    const int allocations = FailEachLibraryAllocation([&] { Build(); },
+                                                      [&](bool thrown) {
+                                                          EXPECT_FALSE(thrown);
+                                                          ASSERT_NE(m_pDialog, nullptr);
+                                                          EXPECT_LE(Page(0).Rows(), 2);
+                                                          Destroy();
+                                                          EXPECT_EQ(m_pDialog, nullptr);
+                                                          EXPECT_EQ(m_manager->AddRef(), references + 1);
+                                                          EXPECT_EQ(m_manager->Release(), references);
+                                                          EXPECT_EQ(first.m_nReferences, second.m_nReferences);
+                                                      });
     EXPECT_GE(allocations, 4);
     {
-        const CFailingAllocation failing(2);
+        const CFailingLibraryAllocation failing(2);
         Build();
     }
     ASSERT_NE(m_pDialog, nullptr);

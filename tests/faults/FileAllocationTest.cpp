@@ -4,7 +4,7 @@
 #include "portable/BasicString.h"
 #include "portable/DirEntry.h"
 #include "portable/PortableFile.h"
-#include "tests/faults/EachAllocation.h"
+#include "tests/faults/EachLibraryAllocation.h"
 #include "tests/support/ProcessUse.h"
 #include "tests/support/ScratchDirectory.h"
 #include "tests/support/ScratchRoot.h"
@@ -27,7 +27,7 @@ protected:
 
 TEST_F(FileAllocation, AListingLeavesNothing) {
     const std::string mask = m_scratch / "*.txt";
-    const int allocations = FailEachAllocation([&] {
+    const int allocations = FailEachLibraryAllocation([&] {
         const std::unique_ptr<CDirEntry> search(CPortableFile::FindFirst(mask.c_str(), 0, 0, 0, 2));
         while (search->IsValid() != 0) search->Next();
     });
@@ -37,7 +37,8 @@ TEST_F(FileAllocation, AListingLeavesNothing) {
 TEST_F(FileAllocation, TheSizeOfATreeLeavesNothing) {
     std::filesystem::create_directories(m_scratch.Path() / "tree/branch");
     m_scratch.Write("tree/branch/leaf.txt", "text");
-    FailEachAllocation([&] { CPortableFile::GetDirectoryContentSize(m_scratch.Path().c_str(), "*.txt", 0, 0, 0, 2); });
+    FailEachLibraryAllocation(
+        [&] { CPortableFile::GetDirectoryContentSize(m_scratch.Path().c_str(), "*.txt", 0, 0, 0, 2); });
     EXPECT_EQ(CPortableFile::GetDirectoryContentSize(m_scratch.Path().c_str(), "*.txt", 0, 0, 0, 2), 12);
 }
 
@@ -48,20 +49,20 @@ TEST_F(FileAllocation, ATreeThatIsNotRemovedWholeCanBeRemovedLater) {
             std::ofstream(root / "tree/branch/leaf") << "text";
         };
         grow();
-        FailEachAllocation([&] { CPortableFile::DeleteDirectoryTree((root / "tree").c_str()); },
-                           [&](bool thrown) {
-                               const int removed = CPortableFile::DeleteDirectoryTree((root / "tree").c_str());
-                               EXPECT_EQ(removed, thrown ? 1 : 0);
-                               EXPECT_FALSE(std::filesystem::exists(root / "tree"));
-                               grow();
-                           });
+        FailEachLibraryAllocation([&] { CPortableFile::DeleteDirectoryTree((root / "tree").c_str()); },
+                                  [&](bool thrown) {
+                                      const int removed = CPortableFile::DeleteDirectoryTree((root / "tree").c_str());
+                                      EXPECT_EQ(removed, thrown ? 1 : 0);
+                                      EXPECT_FALSE(std::filesystem::exists(root / "tree"));
+                                      grow();
+                                  });
     });
 }
 
 TEST_F(FileAllocation, FilesLeaveNothing) {
     const std::string path = m_scratch / "a.txt";
     std::filesystem::create_symlink("a.txt", m_scratch / "link");
-    FailEachAllocation([&] {
+    FailEachLibraryAllocation([&] {
         CPortableFile file(path.c_str(), CPortableFile::OM_READ);
         char buffer[4];
         unsigned int done = 0;
@@ -81,7 +82,7 @@ TEST_F(FileAllocation, FilesLeaveNothing) {
 TEST_F(FileAllocation, AStringKeepsItsTextOrTakesTheNew) {
     const std::string words(500, 'w');
     CBasicString<char> text("short");
-    FailEachAllocation(
+    FailEachLibraryAllocation(
         [&] {
             text += words.c_str();
             text = words.c_str();

@@ -4,7 +4,7 @@
 #include <thread>
 
 #include "com/EventReceiver.h"
-#include "tests/faults/EachAllocation.h"
+#include "tests/faults/EachLibraryAllocation.h"
 #include "tests/pluginmgr/LoadedManager.h"
 #include "tests/pluginmgr/RegisteredComponents.h"
 
@@ -47,14 +47,14 @@ Lines Decoders(CAudioPluginMgr& manager) {
 }  // namespace
 
 TEST(ManagerAllocation, AManagerThatCannotBeMadeIsNotPublished) {
-    EXPECT_GT(FailEachAllocation([] { const auto manager = ObtainManager(); },
-                                 [](bool thrown) {
-                                     GiveCreationLockBack(thrown);
-                                     const auto manager = ObtainManager();
-                                     EXPECT_NE(manager.Get(), nullptr);
-                                     EXPECT_EQ(manager->AddRef(), 2u);
-                                     manager->Release();
-                                 }),
+    EXPECT_GT(FailEachLibraryAllocation([] { const auto manager = ObtainManager(); },
+                                        [](bool thrown) {
+                                            GiveCreationLockBack(thrown);
+                                            const auto manager = ObtainManager();
+                                            EXPECT_NE(manager.Get(), nullptr);
+                                            EXPECT_EQ(manager->AddRef(), 2u);
+                                            manager->Release();
+                                        }),
               5);
 }
 
@@ -63,15 +63,15 @@ TEST(ManagerAllocation, PluginsOfALoadThatFailsAreUnloadedByTheNext) {
     const auto manager = ObtainManager();
     manager->SetPluginDirectory(plugins.Path().c_str());
     const auto before = std::filesystem::current_path();
-    const int allocations = FailEachAllocation([&] { manager->LoadPlugins(); },
-                                               [&](bool thrown) {
-                                                   EXPECT_EQ(std::filesystem::current_path(), before);
-                                                   GiveCreationLockBack(thrown);
-                                                   if (thrown) manager->LoadPlugins();
-                                                   EXPECT_TRUE(manager->UnloadPlugins());
-                                                   EXPECT_EQ(manager->GetCount(), 0);
-                                                   EXPECT_FALSE(IsMapped(plugins.Path()));
-                                               });
+    const int allocations = FailEachLibraryAllocation([&] { manager->LoadPlugins(); },
+                                                      [&](bool thrown) {
+                                                          EXPECT_EQ(std::filesystem::current_path(), before);
+                                                          GiveCreationLockBack(thrown);
+                                                          if (thrown) manager->LoadPlugins();
+                                                          EXPECT_TRUE(manager->UnloadPlugins());
+                                                          EXPECT_EQ(manager->GetCount(), 0);
+                                                          EXPECT_FALSE(IsMapped(plugins.Path()));
+                                                      });
     EXPECT_GT(allocations, 50);
 }
 
@@ -80,7 +80,7 @@ TEST(ManagerAllocation, UnloadingNeedsNoMemory) {
     const auto manager = ObtainManager();
     manager->SetPluginDirectory(plugins.Path().c_str());
     manager->LoadPlugins();
-    const CFailingAllocation failing(1, true);
+    const CFailingLibraryAllocation failing(1, true);
     EXPECT_TRUE(manager->UnloadPlugins());
     EXPECT_EQ(failing.GetCount(), 0);
 }
@@ -88,7 +88,7 @@ TEST(ManagerAllocation, UnloadingNeedsNoMemory) {
 TEST(ManagerAllocation, SettingsKeepTheirOldTextOrTakeTheNew) {
     auto manager = ObtainManager();
     const std::string text(300, 'x');
-    FailEachAllocation(
+    FailEachLibraryAllocation(
         [&] {
             manager->SetVendor(text.c_str(), nullptr);
             manager->SetProduct(text.c_str(), nullptr);
@@ -104,7 +104,7 @@ TEST(ManagerAllocation, SettingsKeepTheirOldTextOrTakeTheNew) {
         });
     const auto fresh = [&] {
         manager->SetVendor("a", nullptr);
-        const CFailingAllocation failing(1);
+        const CFailingLibraryAllocation failing(1);
         const std::string longer(2000, 'y');
         EXPECT_THROW(manager->SetVendor(longer.c_str(), nullptr), std::bad_alloc);
     };
@@ -115,7 +115,7 @@ TEST(ManagerAllocation, SettingsKeepTheirOldTextOrTakeTheNew) {
 TEST(ManagerAllocation, ReceiversAreSubscribedOrNot) {
     auto manager = ObtainManager();
     CReceiver receivers[9];
-    FailEachAllocation(
+    FailEachLibraryAllocation(
         [&] {
             for (CReceiver& receiver : receivers) manager->SubscribeToEvents(&receiver);
             manager->SendEvent(1, nullptr);
@@ -133,7 +133,7 @@ TEST(ManagerAllocation, AuxiliaryObjectsAreAttachedWithOneReferenceOrNone) {
     auto manager = ObtainManager();
     CHostFactory object;
     char keys[9];
-    FailEachAllocation(
+    FailEachLibraryAllocation(
         [&] {
             for (char& key : keys) manager->AttachAuxObject(&key, &object);
         },
@@ -155,7 +155,7 @@ TEST(ManagerAllocation, TheComponentOrderIsKeptOrReplacedAndItsLockFree) {
     const char* const kept[] = {"c*0", "a*0", "b*0"};
     const char* const wanted[] = {"b*0", "c*0", "a*0"};
     manager->SetComponentOrder(kept, 3);
-    FailEachAllocation(
+    FailEachLibraryAllocation(
         [&] {
             manager->SetComponentOrder(wanted, 3);
             CComPtr<IComponentEnum> decoders;

@@ -1,5 +1,5 @@
 // Sources without memory: opening, starting, reading.
-#include "tests/faults/EachAllocation.h"
+#include "tests/faults/EachLibraryAllocation.h"
 #include "tests/faults/StreamsLeft.h"
 #include "tests/stream/OpeningFixture.h"
 #include "tests/stream/SourceFixture.h"
@@ -35,7 +35,7 @@ class SourceAllocation : public support::CSourceFixture {};
 }  // namespace
 
 TEST_F(OpeningAllocation, OfALocalFileLeavesNothingHeld) {
-    const int allocations = FailEachAllocation(
+    const int allocations = FailEachLibraryAllocation(
         [&] {
             CComPtr<IStatus> status;
             OpenWanted(m_song, &kStudio, status.Out());
@@ -45,7 +45,7 @@ TEST_F(OpeningAllocation, OfALocalFileLeavesNothingHeld) {
 }
 
 TEST_F(OpeningAllocation, OfARemoteFileLeavesNothingHeld) {
-    FailEachAllocation(
+    FailEachLibraryAllocation(
         [&] {
             CComPtr<IStatus> status;
             OpenWanted("http://host/song.wav", &kStudio, status.Out());
@@ -56,7 +56,7 @@ TEST_F(OpeningAllocation, OfARemoteFileLeavesNothingHeld) {
 TEST_F(OpeningAllocation, ThatIsRefusedLeavesNothingHeld) {
     m_opening.m_opener.m_open.m_eOutcome = support::EOutcome::Fails;
     for (const std::string& name : {m_song, std::string("/missing.wav"), std::string("nothing known")}) {
-        FailEachAllocation(
+        FailEachLibraryAllocation(
             [&] {
                 CComPtr<IStatus> status;
                 OpenWanted(name, &kStudio, status.Out());
@@ -68,14 +68,14 @@ TEST_F(OpeningAllocation, ThatIsRefusedLeavesNothingHeld) {
 TEST_F(SourceAllocation, AStartWithoutMemoryEndsTheDecoderAndTheNextSucceeds) {
     InstallFactory();
     ASSERT_TRUE(Wrap(kStudio));
-    const int allocations = FailEachAllocation([&] { m_pAggregator->Start(nullptr); },
-                                               [&](bool thrown) {
-                                                   EXPECT_FALSE(thrown);
-                                                   m_pAggregator->End(nullptr);
-                                                   EXPECT_EQ(m_factory.m_convertor.m_nAlive, 0);
-                                               });
+    const int allocations = FailEachLibraryAllocation([&] { m_pAggregator->Start(nullptr); },
+                                                      [&](bool thrown) {
+                                                          EXPECT_FALSE(thrown);
+                                                          m_pAggregator->End(nullptr);
+                                                          EXPECT_EQ(m_factory.m_convertor.m_nAlive, 0);
+                                                      });
     EXPECT_EQ(allocations, 1);
-    const CFailingAllocation failing(1);
+    const CFailingLibraryAllocation failing(1);
     EXPECT_FALSE(m_pAggregator->Start(nullptr));
     EXPECT_TRUE(m_pAggregator->Start(nullptr));
     EXPECT_TRUE(m_pAggregator->End(nullptr));
@@ -86,14 +86,14 @@ TEST_F(SourceAllocation, ReadingNeedsNoMemory) {
     unsigned char buffer[4096];
     int read = 0;
     EAudioRawState state = ARS_MORE;
-    const CFailingAllocation failing(1, true);
+    const CFailingLibraryAllocation failing(1, true);
     EXPECT_TRUE(m_pAggregator->RawRead(buffer, sizeof(buffer), &read, state, nullptr));
     EXPECT_EQ(failing.GetCount(), 0);
 }
 
 TEST_F(SourceAllocation, AReasonWithoutMemoryIsAnExceptionAndLeavesNothing) {
     ASSERT_TRUE(Wrap(kStudio));
-    const int allocations = FailEachAllocation([&] {
+    const int allocations = FailEachLibraryAllocation([&] {
         CComPtr<IStatus> status;
         int read = 0;
         EAudioRawState state = ARS_MORE;
@@ -105,7 +105,7 @@ TEST_F(SourceAllocation, AReasonWithoutMemoryIsAnExceptionAndLeavesNothing) {
 TEST_F(SourceAllocation, ArtistAndTitleWithoutMemoryLeaveNothing) {
     m_script.m_denied = {IID_IAdvancedFormat};
     m_script.m_pSourceName = "/music/A band with a long name - A song with a long name.wav";
-    const int allocations = FailEachAllocation(
+    const int allocations = FailEachLibraryAllocation(
         [&] {
             ASSERT_TRUE(Wrap(kStudio));
             m_pAggregator->GetArtist();

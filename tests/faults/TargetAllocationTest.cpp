@@ -1,5 +1,5 @@
 // Targets without memory: making, starting, writing, ending.
-#include "tests/faults/EachAllocation.h"
+#include "tests/faults/EachLibraryAllocation.h"
 #include "tests/faults/StreamsLeft.h"
 #include "tests/stream/TargetFixture.h"
 
@@ -30,7 +30,7 @@ protected:
 
 TEST_F(TargetAllocation, ATargetThatConvertsLeavesNothingHeld) {
     InstallFactory(100);
-    const int allocations = FailEachAllocation(
+    const int allocations = FailEachLibraryAllocation(
         [&] {
             CComPtr<IStatus> status;
             if (!Create(kStudio, status.Out()) || !m_pTarget->Start(status.Out())) return;
@@ -41,7 +41,7 @@ TEST_F(TargetAllocation, ATargetThatConvertsLeavesNothingHeld) {
 }
 
 TEST_F(TargetAllocation, ATargetWithoutAConversionLeavesNothingHeld) {
-    const int allocations = FailEachAllocation(
+    const int allocations = FailEachLibraryAllocation(
         [&] {
             CComPtr<IStatus> status;
             // No factory for the conversion: the reason is a text.
@@ -54,7 +54,7 @@ TEST_F(TargetAllocation, ATargetWithoutAConversionLeavesNothingHeld) {
 TEST_F(TargetAllocation, WritingNeedsNoMemory) {
     StartConverting(kStudio);
     EAudioRawState state = ARS_MORE;
-    const CFailingAllocation failing(1, true);
+    const CFailingLibraryAllocation failing(1, true);
     EXPECT_TRUE(m_pTarget->RawWrite(m_block, sizeof(m_block), state, nullptr));
     EXPECT_EQ(failing.GetCount(), 0);
 }

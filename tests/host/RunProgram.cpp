@@ -16,24 +16,15 @@
 #include <stdexcept>
 #include <thread>
 
-namespace {
+#include "tests/support/HeldLibgomp.h"
 
-#if defined(__has_feature)
-constexpr bool kLeakChecker = __has_feature(address_sanitizer);
-#elif defined(__SANITIZE_ADDRESS__)
-constexpr bool kLeakChecker = true;
-#else
-constexpr bool kLeakChecker = false;
-#endif
+namespace {
 
 void PrepareEnvironment() {
     setenv("LC_ALL", "C", 1);
     // The person who runs the tests may have plug-ins of his own.
     unsetenv("KELO_AUDIO_PLUGINS");
-    // libgomp, which libsoxr brings along, leaves 8 bytes behind when it is unloaded with the plug-in; loaded by the
-    // program itself it stays, and the leak checker sees that the bytes are in use.
-    if (kLeakChecker) setenv("LD_PRELOAD", "libgomp.so.1", 1);
-    if (kLeakChecker) setenv("ASAN_OPTIONS", "verify_asan_link_order=0", 1);
+    support::HoldLibgompInPrograms();
 }
 
 // Recursion without an end is to come to the end of its stack, also where the limit of whoever runs the tests is none.

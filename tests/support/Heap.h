@@ -1,5 +1,6 @@
 // The heap of a test program that Heap.cpp is linked into: counted, and out of memory on demand. What the library and
-// the plug-ins take with operator new counts, what C libraries take does not. Any thread, unless told otherwise.
+// the plug-ins take with operator new counts, what C libraries take does not; tests/faults/Allocations.h fails those of
+// the library alone. Any thread, unless told otherwise.
 #pragma once
 
 #include <cstddef>

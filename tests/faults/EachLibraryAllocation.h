@@ -12,7 +12,7 @@
 // memory there, and tidies up. Whatever failed, no block of the library stays allocated that was not before. Returns
 // how many allocations the scenario has.
 template <typename TScenario, typename TAfterwards>
-int FailEachAllocation(const TScenario& scenario, const TAfterwards& afterwards) {
+int FailEachLibraryAllocation(const TScenario& scenario, const TAfterwards& afterwards) {
     // What is allocated once and kept.
     scenario();
     afterwards(false);
@@ -24,7 +24,7 @@ int FailEachAllocation(const TScenario& scenario, const TAfterwards& afterwards)
             const std::size_t before = LiveBlocks();
             bool thrown = false;
             {
-                CFailingAllocation failing(first, andLater);
+                CFailingLibraryAllocation failing(first, andLater);
                 try {
                     scenario();
                 } catch (const std::bad_alloc&) {
@@ -42,6 +42,6 @@ int FailEachAllocation(const TScenario& scenario, const TAfterwards& afterwards)
 }
 
 template <typename TScenario>
-int FailEachAllocation(const TScenario& scenario) {
-    return FailEachAllocation(scenario, [](bool /*thrown*/) {});
+int FailEachLibraryAllocation(const TScenario& scenario) {
+    return FailEachLibraryAllocation(scenario, [](bool /*thrown*/) {});
 }
