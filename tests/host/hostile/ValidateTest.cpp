@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "tests/host/hostile/HostileFixture.h"
+#include "tests/support/Sanitizers.h"
 
 namespace {
 
@@ -83,6 +84,7 @@ TEST_F(ValidateHostile, WhatAPluginWritesToStandardOutputIsDropped) {
 
 TEST_F(ValidateHostile, ASampleThatCannotBeWrittenEndsTheRun) {
     for (const int limit : {0, 1}) {
+        if (limit == 0 && support::kThreadSanitizer) continue;  // writes a file itself before the program begins
         const SRunResult result = ValidateWithin(limit, {"--only", "source,seek", KELO_PLUGINS "/sndfile.so"});
         EXPECT_EQ(result.m_nExit, 1);
         EXPECT_TRUE(IsOneLine(result.m_strOut)) << result.m_strOut;
