@@ -7,6 +7,7 @@
 
 #include "tests/plugins/libav/DecoderUnderTest.h"
 #include "tests/support/EachAllocation.h"
+#include "tests/support/FilledBuffer.h"
 #include "tests/support/ProcessUse.h"
 
 namespace {
@@ -87,16 +88,8 @@ protected:
     bool Read() {
         CComPtr<IUnknown> stream;
         if (!m_opener->Open(m_strPath.c_str(), stream.Out(), AUX_CONVERT, AUX_NONE, m_status.Out())) return false;
-        const auto process = CComPtr<IProcess>::Query(stream.Get(), IID_IProcess);
-        const auto reader = CComPtr<IAudioRawReader>::Query(stream.Get(), IID_IAudioRawReader);
-        m_nLength = reader->GetRawLen();
-        const int size = static_cast<int>(m_buffer.size());
-        int count = 0;
-        EAudioRawState state = ARS_MORE;
-        return process->Start(m_status.Out()) &&
-               reader->RawRead(reinterpret_cast<unsigned char*>(m_buffer.data()), size, &count, state,
-                               m_status.Out()) &&
-               count == size;
+        m_nLength = CComPtr<IAudioRawReader>::Query(stream.Get(), IID_IAudioRawReader)->GetRawLen();
+        return support::StartAndFill(stream.Get(), m_buffer, m_status.Out());
     }
 
     const std::string m_strPath = Media(GetParam());

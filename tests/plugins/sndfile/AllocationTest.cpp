@@ -5,6 +5,7 @@
 #include "tests/plugins/sndfile/AudioFiles.h"
 #include "tests/plugins/sndfile/SinkUnderTest.h"
 #include "tests/support/EachAllocation.h"
+#include "tests/support/FilledBuffer.h"
 #include "tests/support/ProcessUse.h"
 #include "tests/support/ScratchDirectory.h"
 
@@ -22,15 +23,7 @@ protected:
     bool Read() {
         CComPtr<IUnknown> stream;
         if (!m_opener->Open(m_strPath.c_str(), stream.Out(), AUX_CONVERT, AUX_NONE, m_status.Out())) return false;
-        const auto process = CComPtr<IProcess>::Query(stream.Get(), IID_IProcess);
-        const auto reader = CComPtr<IAudioRawReader>::Query(stream.Get(), IID_IAudioRawReader);
-        const int size = static_cast<int>(m_buffer.size());
-        int count = 0;
-        EAudioRawState state = ARS_MORE;
-        return process->Start(m_status.Out()) &&
-               reader->RawRead(reinterpret_cast<unsigned char*>(m_buffer.data()), size, &count, state,
-                               m_status.Out()) &&
-               count == size;
+        return support::StartAndFill(stream.Get(), m_buffer, m_status.Out());
     }
 
     // Writes a file of `m_samples`.
